@@ -1,0 +1,96 @@
+/// @file
+/// Quarry: computer-vision building blocks for video-analysis hosts, behind C functions that exchange framed records.
+///
+/// Conventions that every function here follows:
+///
+/// 1. **Handles are opaque.** A factory writes one to `*handle` when everything has succeeded and leaves `*handle` as
+/// it
+///    was otherwise; `Dispose` ends it. To start over, dispose of it and create another.
+/// 2. **One thread per handle** at a time. Distinct handles share nothing and may run side by side.
+/// 3. **A record is framed** by a length word before it and a tag after it (Framing.h). Only its address is passed, and
+///    the library keeps neither options nor input records after the call.
+/// 4. **Input buffers stay the host's** and are read in place during the call.
+/// 5. **Result buffers of a processor go back through `DisposeResult`**, once, before the record is filled again.
+///    Those of an updater stay the updater's: valid until its next `Update` or `Dispose`, never given back.
+/// 6. **Failures are C++ exceptions**, thrown through these functions: MarshalingException for a wrong frame,
+///    `cv::Exception` for what OpenCV refuses, `std::bad_alloc` for memory, `std::invalid_argument` for a handle or a
+///    pointer that is null or of the wrong kind, `std::logic_error` for a call out of turn. A call that fails leaves
+///    the host's record, the handle and `*handle` as they were, unless an operation says otherwise.
+#pragma once
+
+#include "Quarry/Export.h"
+#include "Quarry/Framing.h"
+#include "Quarry/Records/AffineTransformProcessor.h"
+#include "Quarry/Records/BackgroundUpdating.h"
+#include "Quarry/Records/Classification.h"
+#include "Quarry/Records/ClustererContours.h"
+#include "Quarry/Records/ColorComparingProcessor.h"
+#include "Quarry/Records/ContourCalcingProcessor.h"
+#include "Quarry/Records/ContourIntersectionProcessorPT.h"
+#include "Quarry/Records/ContourMaskProcessorDC.h"
+#include "Quarry/Records/ContourRateMeasuringProcessor.h"
+#include "Quarry/Records/CosineSimilarity.h"
+#include "Quarry/Records/DenseOpticalFlowCalculator.h"
+#include "Quarry/Records/FaceVarianceOfLaplacian.h"
+#include "Quarry/Records/FastNlMeansDenoisingFilter.h"
+#include "Quarry/Records/ImageSubtractor.h"
+#include "Quarry/Records/KMeanColorExtractor.h"
+#include "Quarry/Records/MosseTracker.h"
+#include "Quarry/Records/OpticalFlowLineProcessor.h"
+#include "Quarry/Records/PixelwiseFire.h"
+#include "Quarry/Records/ProcessOptions.h"
+#include "Quarry/Records/RectExtractor.h"
+#include "Quarry/Records/RotationTransformProcessor.h"
+#include "Quarry/Records/Transform.h"
+#include "Quarry/Records/VarianceOfLaplacian.h"
+#include "Quarry/SharedRecords.h"
+
+#ifdef __cplusplus
+#include "Quarry/MarshalingException.h"
+
+extern "C" {
+#endif
+
+/// The input record of whatever processor a handle holds; cast the record's address to it.
+typedef struct ProcessData ProcessData;
+/// The result record of whatever processor a handle holds.
+typedef struct ProcessResult ProcessResult;
+/// The input record of whatever updater a handle holds.
+typedef struct UpdateData UpdateData;
+/// The result record of whatever updater a handle holds.
+typedef struct UpdateResult UpdateResult;
+
+/// How far an updater has come.
+enum UpdaterState {
+    NoResult = 0,      ///< nothing computed yet
+    Accumulating = 1,  ///< frames are taken in, the result is not final
+    Ready = 2          ///< the result reflects a complete computation
+};
+
+/// Processes one input record and fills the result record.
+/// The result's buffers are the host's to give back with `DisposeResult`.
+QUARRY_API void Process(void* handle, ProcessData* input, ProcessResult* result);
+
+/// Releases the buffers of a result that `Process` filled, not the record itself.
+QUARRY_API void DisposeResult(void* handle, ProcessResult* result);
+
+/// Feeds one frame to an updater.
+/// @return the updater's state after this frame, an `UpdaterState`
+QUARRY_API int32_t Update(void* handle, UpdateData* data);
+
+/// Fills the record with the updater's current result; its buffers stay the updater's.
+/// @throws std::logic_error  no frame has been taken since the updater was (re)initialised
+QUARRY_API void GetUpdateResult(void* handle, UpdateResult* result);
+
+/// Ends a handle and everything it owns. Null is allowed and does nothing.
+QUARRY_API void Dispose(void* handle);
+
+/// Background model: takes BackgroundData, gives BackgroundResult (updater).
+QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* options);
+
+/// Sharpness of a frame: takes VoLInputData, gives VoLOutputData (processor).
+QUARRY_API void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,39 @@
+/// @file
+/// Records of the dense optical flow (DenseOpticalFlowCalculator).
+#pragma once
+
+#include "Quarry/SharedRecords.h"
+
+/// How fine the flow is.
+typedef struct OFCOptions {
+    uint32_t Header;
+    float Detail;       ///< 0..1: larger values give a smaller averaging window
+    uint32_t Reserved;  ///< not read
+    float Quality;      ///< 0..1: pyramid levels, iterations and the Gaussian window
+} OFCOptions;
+
+QUARRY_LAYOUT_SIZE(OFCOptions, 16);
+QUARRY_LAYOUT_FIELD(OFCOptions, Header, 0);
+QUARRY_LAYOUT_FIELD(OFCOptions, Detail, 4);
+QUARRY_LAYOUT_FIELD(OFCOptions, Reserved, 8);
+QUARRY_LAYOUT_FIELD(OFCOptions, Quality, 12);
+
+/// The next frame.
+typedef struct OFCData {
+    uint32_t Header;
+    struct Image Image;  ///< 8-bit R, G, B, rows packed; `stride` and `timestamp` are not read
+} OFCData;
+
+QUARRY_LAYOUT_SIZE(OFCData, 40);
+QUARRY_LAYOUT_FIELD(OFCData, Header, 0);
+QUARRY_LAYOUT_FIELD(OFCData, Image, 8);
+
+/// The flow. The buffer stays the updater's: valid until the next `Update` or `Dispose`.
+typedef struct OFCResult {
+    int32_t Status;               ///< always 0
+    AbsVectorMatrix* FlowMatrix;  ///< where each pixel of the previous frame moved to, in pixels
+} OFCResult;
+
+QUARRY_LAYOUT_SIZE(OFCResult, 16);
+QUARRY_LAYOUT_FIELD(OFCResult, Status, 0);
+QUARRY_LAYOUT_FIELD(OFCResult, FlowMatrix, 8);

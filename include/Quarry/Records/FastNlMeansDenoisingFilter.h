@@ -1,0 +1,35 @@
+/// @file
+/// Records of the non-local means denoising (FastNlMeansDenoisingFilter).
+#pragma once
+
+#include "Quarry/SharedRecords.h"
+
+/// Holds nothing that is read.
+typedef struct FilterOptions {
+    uint32_t Header;
+    uint32_t Reserved;  ///< not read
+} FilterOptions;
+
+QUARRY_LAYOUT_SIZE(FilterOptions, 8);
+QUARRY_LAYOUT_FIELD(FilterOptions, Header, 0);
+QUARRY_LAYOUT_FIELD(FilterOptions, Reserved, 4);
+
+/// A frame to denoise.
+typedef struct FilterData {
+    uint32_t Header;
+    struct Image Image;  ///< 8-bit B, G, R, rows packed; `stride` and `timestamp` go to the result
+} FilterData;
+
+QUARRY_LAYOUT_SIZE(FilterData, 40);
+QUARRY_LAYOUT_FIELD(FilterData, Header, 0);
+QUARRY_LAYOUT_FIELD(FilterData, Image, 8);
+
+/// The denoised frame; give it back with `DisposeResult`.
+typedef struct FilterResult {
+    int32_t Status;       ///< always 0
+    struct Image* Image;  ///< with the input's geometry and timestamp
+} FilterResult;
+
+QUARRY_LAYOUT_SIZE(FilterResult, 16);
+QUARRY_LAYOUT_FIELD(FilterResult, Status, 0);
+QUARRY_LAYOUT_FIELD(FilterResult, Image, 8);
