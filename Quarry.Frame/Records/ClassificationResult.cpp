@@ -1,0 +1,26 @@
+#include <stdexcept>
+#include <string>
+
+#include "Quarry.Frame/Records/Buffers.h"
+#include "Quarry/Memory.h"
+
+ClassificationResult CreateClassificationResult(int count) {
+    return {0, count, count == 0 ? nullptr : quarry::NewArray<Response>(count).release()};
+}
+
+ClassificationResult CreateClassificationResult(int count, RelRect* rects) {
+    if (rects == nullptr && count != 0) {
+        throw std::invalid_argument("CreateClassificationResult: rects is null while count is " +
+                                    std::to_string(count) + "; that many rectangles are needed");
+    }
+    const ClassificationResult result = CreateClassificationResult(count);
+    for (int i = 0; i < count; ++i) result.Responses[i].Rect = rects[i];
+    return result;
+}
+
+void DestroyClassificationResult(ClassificationResult*& result) {
+    if (result == nullptr) return;
+    // A record that counts nothing keeps whatever array it has: hosts may share one there.
+    if (result->Count != 0) quarry::DeleteArray(result->Responses);
+    result = nullptr;
+}

@@ -1,0 +1,29 @@
+#include <stdexcept>
+
+#include "Quarry.OpenCV/CVBackgroundUpdater.h"
+#include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
+#include "Quarry/Quarry.h"
+
+namespace {
+
+/// Builds a handle and stores it only when everything has succeeded.
+template <class Handle, class Options>
+void Create(void** handle, Options* options) {
+    if (handle == nullptr) throw std::invalid_argument("handle is null; the address to write the handle to is needed");
+    Invokable* const created = new Handle(options);
+    *handle = created;
+}
+
+}  // namespace
+
+extern "C" {
+
+void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {
+    Create<CVBackgroundUpdater>(handle, options);
+}
+
+void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {
+    Create<CVLaplacianVarianceProcessor>(handle, options);
+}
+
+}  // extern "C"

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "Quarry.Frame/OFCBase.h"
+
+/// An optical flow calculator that rests on OpenCV.
+class CVOpticalFlowCalculator : public OFCBase {
+public:
+    using OFCBase::OFCBase;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <opencv2/core.hpp>
+
+#include "Quarry/SharedRecords.h"
+
+namespace quarry {
+
+/// A header over `height * width` packed 8-bit pixels of three channels: no copy, nothing owned.
+/// @throws cv::Exception  `data` is null while the size is not empty
+inline cv::Mat PackedFrame(uint8_t* data, int width, int height) {
+    constexpr std::size_t kChannels = 3;
+    return cv::Mat(height, width, CV_8UC3, data, static_cast<std::size_t>(width) * kChannels);
+}
+
+/// The pixels of an image, taken as packed: its stride is not consulted.
+inline cv::Mat PackedFrame(const Image& image) {
+    return PackedFrame(image.data, image.width, image.height);
+}
+
+}  // namespace quarry

@@ -1,0 +1,20 @@
+# How our own code is compiled: the target quarry_compile_options carries it, privately, to everything we build.
+add_library(quarry_compile_options INTERFACE)
+
+target_compile_options(quarry_compile_options INTERFACE
+  # A result is the same on every machine: no fused multiply-add that rounds once where two roundings are meant.
+  -ffp-contract=off
+  # Messages name a file by its place in the tree, whatever the build folder.
+  -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+
+if(QUARRY_WARNINGS_AS_ERRORS)
+  target_compile_options(quarry_compile_options INTERFACE -Werror)
+endif()
+
+# Aborting checks are part of the behaviour: they stay on in every build type.
+foreach(language C CXX)
+  foreach(type RELEASE RELWITHDEBINFO MINSIZEREL)
+    string(REPLACE "-DNDEBUG" "" CMAKE_${language}_FLAGS_${type} "${CMAKE_${language}_FLAGS_${type}}")
+  endforeach()
+endforeach()

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <opencv2/core.hpp>
+
+#include "Quarry/SharedRecords.h"
+
+namespace quarry::test {
+
+/// Noise in all three channels, the same for the same seed.
+cv::Mat RandomFrame(int width, int height, uint64_t seed);
+
+/// A textured still background with a bright square that moves a few pixels per step.
+cv::Mat MovingSquare(int width, int height, int step);
+
+/// The pixels of a packed frame as the host's Image; the frame keeps them.
+Image ImageOf(const cv::Mat& frame, uint64_t timestamp = 0);
+
+}  // namespace quarry::test
