@@ -57,7 +57,7 @@ void GetUpdateResult(void* handle, UpdateResult* result) {
 
 void Dispose(void* handle) {
     if (handle == nullptr) return;
-    static_cast<Invokable*>(handle)->~Invokable();
+    static_cast<Invokable*>(handle)->Invokable::~Invokable();
     ::operator delete(handle);
 }
 

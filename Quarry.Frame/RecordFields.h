@@ -97,6 +97,7 @@ struct RecordFields<MosseTrackerResult> {
 /// Writes a result into the host's record, field by field.
 template <class Result>
 void WriteFields(const Result& from, Result* to) {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): where a field is a pointer, the pointer is what is copied
     std::apply([&](auto... field) { (std::memcpy(&(to->*field), &(from.*field), sizeof(from.*field)), ...); },
                RecordFields<Result>::value);
 }

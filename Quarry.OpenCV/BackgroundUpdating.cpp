@@ -110,9 +110,9 @@ void BackgroundUpdatingSystem::DoUpdate(BackgroundData data) {
     frame = next;
     if (lastTimestamp != 0) accumulatedTime += elapsed;
     lastTimestamp = timestamp;
-    const auto learntSeconds = static_cast<float>(accumulatedTime / kTicksPerSecond);
+    const uint64_t learntSeconds = accumulatedTime / kTicksPerSecond;
     // Negated, so that a period that is not a number counts as over.
-    state = !(learningPeriod > learntSeconds) ? Ready : Accumulating;
+    state = !(learningPeriod > static_cast<float>(learntSeconds)) ? Ready : Accumulating;
 }
 
 void BackgroundUpdatingSystem::AssignResultData() {

@@ -80,8 +80,8 @@ cv::Mat CVHelper::GetRotationMatrix(const cv::Mat& image, const cv::Point& cente
     const auto radians = static_cast<double>(static_cast<float>(angle * CV_PI / 180.0));
     const double sine = std::sin(radians);
     const double cosine = std::cos(radians);
-    const double halfWidth = image.cols / 2;
-    const double halfHeight = image.rows / 2;
+    const int halfWidth = image.cols / 2;
+    const int halfHeight = image.rows / 2;
     cv::Mat matrix(2, 3, CV_64F);
     matrix.at<double>(0, 0) = cosine;
     matrix.at<double>(0, 1) = -sine;
