@@ -1,0 +1,69 @@
+/// @file
+/// The library's operations as this host calls them: OpenCV frames in, plain values out.
+#pragma once
+
+#include <Quarry/Quarry.h>
+
+#include <cstdint>
+#include <memory>
+#include <opencv2/core.hpp>
+
+namespace quarry::host {
+
+/// A handle of the library, disposed of at its end.
+struct DisposeHandle {
+    void operator()(void* handle) const { Dispose(handle); }
+};
+using Handle = std::unique_ptr<void, DisposeHandle>;
+
+/// Frames per second times this is ticks per frame.
+constexpr double kTicksPerSecond = 10'000'000;
+
+/// The variance of the Laplacian of frames, in squared grey levels.
+class SharpnessMeter {
+public:
+    SharpnessMeter();
+
+    float Measure(const cv::Mat& frame);
+
+private:
+    Handle handle;
+};
+
+/// What the command line may set of the background model.
+struct BackgroundSettings {
+    float sensitivity = 0.5F;      ///< 0..1
+    int32_t history = 500;         ///< frames
+    float adaptationSeconds = 10;  ///< time constant, once the background is learnt
+    float speedup = 4;             ///< divides the time constant while it is being learnt
+};
+
+/// What the model made of the last frame. The pictures are the model's own: valid until its next Update or its end.
+struct BackgroundView {
+    UpdaterState state;
+    cv::Mat foreground;      ///< 255 foreground, 0 background
+    cv::Mat background;      ///< B, G, R
+    double foregroundShare;  ///< 0..1 of the frame's pixels
+    double milliseconds;     ///< that the library took for this frame
+};
+
+/// The background model of one video.
+class BackgroundModel {
+public:
+    explicit BackgroundModel(const BackgroundSettings& settings);
+
+    /// Takes in a packed 8-bit B, G, R frame; later timestamps must be greater, the first must not be 0.
+    /// @param timestamp  in ticks of 100 ns
+    BackgroundView Take(const cv::Mat& frame, uint64_t timestamp);
+
+private:
+    Handle handle;
+};
+
+/// The time of a frame by its index, in ticks of 100 ns; never 0, since a clock that stands at 0 has not begun.
+uint64_t TimestampOf(int frame, double framesPerSecond);
+
+/// How the command names a state.
+const char* NameOf(UpdaterState state);
+
+}  // namespace quarry::host

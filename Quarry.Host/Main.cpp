@@ -1,0 +1,57 @@
+/// @file
+/// The `quarry` command: the library's operations on pictures and videos.
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <opencv2/core/utils/logger.hpp>
+
+#include "Console.h"
+#include "Verbs/Verbs.h"
+
+namespace quarry::host {
+namespace {
+
+constexpr const char* kFooter = R"(Examples:
+  quarry sharpness *.jpg
+  quarry background street.avi --out street-marked.avi
+  quarry demo --media media --out demo
+
+`quarry VERB --help` tells more about a verb.
+Exit codes: 0 fine, 1 something failed, 2 wrong usage. Each error is one line on stderr.)";
+
+int RunChosen(const std::vector<Verb>& verbs) {
+    for (const Verb& verb : verbs) {
+        if (!verb.command->parsed()) continue;
+        const int exitCode = verb.run();
+        if (!std::cout.flush()) throw Failure("standard output: cannot be written");
+        return exitCode;
+    }
+    throw CLI::ParseError("a verb is required; quarry --help lists them", CLI::ExitCodes::RequiredError);
+}
+
+int Main(int argc, char** argv) {
+    cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+    CLI::App app{"Quarry: computer vision on pictures and videos", "quarry"};
+    app.set_version_flag("--version", "quarry " QUARRY_VERSION);
+    app.require_subcommand(0, 1);
+    app.footer(kFooter);
+    const std::vector<Verb> verbs = {AddSharpness(app), AddBackground(app), AddDemo(app)};
+    try {
+        app.parse(argc, argv);
+        return RunChosen(verbs);
+    } catch (const CLI::Success& helpOrVersion) {
+        return app.exit(helpOrVersion);
+    } catch (const CLI::ParseError& wrongUsage) {
+        PrintError(wrongUsage.what());
+        return kExitUsage;
+    } catch (...) {
+        PrintError(CurrentReason());
+        return kExitFailure;
+    }
+}
+
+}  // namespace
+}  // namespace quarry::host
+
+int main(int argc, char** argv) {
+    return quarry::host::Main(argc, argv);
+}

@@ -1,0 +1,58 @@
+/// @file
+/// Pictures and videos, read and written with one-line failures that name the file.
+#pragma once
+
+#include <filesystem>
+#include <opencv2/core.hpp>
+#include <opencv2/videoio.hpp>
+
+#include "OutputFile.h"
+
+namespace quarry::host {
+
+/// An 8-bit B, G, R picture, rows packed.
+/// @throws Failure  there is no such file or it is not a picture
+cv::Mat ReadPicture(const std::filesystem::path& path);
+
+/// The frames of a video file, in order.
+class VideoReader {
+public:
+    /// @throws Failure  there is no such file or it is not a video
+    explicit VideoReader(const std::filesystem::path& path);
+
+    /// The next frame, 8-bit B, G, R with packed rows.
+    /// @return false after the last frame
+    bool Read(cv::Mat& frame);
+
+    double framesPerSecond() const { return rate; }
+    /// As the file declares it, 0 when it does not.
+    int frameCount() const { return count; }
+
+private:
+    cv::VideoCapture capture;
+    double rate;
+    int count;
+};
+
+/// A Motion JPEG video that appears under its name when it is complete.
+class VideoFile {
+public:
+    /// @param path  ends in `.avi`
+    /// @throws Failure  nothing can be written there
+    VideoFile(const std::filesystem::path& path, double framesPerSecond);
+
+    /// All frames have the size of the first, which is even in both directions.
+    void Write(const cv::Mat& frame);
+
+    /// Completes the file and gives it its name.
+    void Finish();
+
+private:
+    std::filesystem::path path;
+    double rate;
+    int written = 0;
+    OutputFile file;
+    cv::VideoWriter writer;
+};
+
+}  // namespace quarry::host

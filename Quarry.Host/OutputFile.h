@@ -1,0 +1,30 @@
+#pragma once
+
+#include <filesystem>
+
+namespace quarry::host {
+
+/// A file that appears under its name only when it is complete.
+///
+/// It is written under a temporary name in the same folder, with the same extension. Unless Keep is called it leaves
+/// nothing behind, also when the command is interrupted. One at a time.
+class OutputFile {
+public:
+    /// @throws Failure  nothing can be written there
+    explicit OutputFile(std::filesystem::path name);
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile();
+
+    /// The name to write to.
+    const std::filesystem::path& temporary() const { return temporaryName; }
+
+    /// Gives the file its name, in place of what had it before.
+    void Keep();
+
+private:
+    std::filesystem::path name;
+    std::filesystem::path temporaryName;
+};
+
+}  // namespace quarry::host

@@ -1,0 +1,63 @@
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "Console.h"
+#include "Demo/Footage.h"
+#include "Demo/Page.h"
+#include "Demo/Section.h"
+#include "OutputFile.h"
+#include "Verbs/Verbs.h"
+
+namespace quarry::host {
+namespace {
+
+struct Options {
+    std::string media = "media";
+    std::string out = "demo";
+};
+
+void MakeFolder(const std::filesystem::path& folder) {
+    std::error_code refused;
+    std::filesystem::create_directories(folder, refused);
+    if (refused) throw Failure(folder.string() + ": the folder cannot be made: " + refused.message());
+}
+
+std::string RunAllOperations(const std::filesystem::path& media) {
+    const Footage footage = OpenFootage(media);
+    std::vector<Section> sections;
+#define QUARRY_RUN_SECTION(Name) sections.push_back(Name##Section(footage));
+    QUARRY_DEMO_SECTIONS(QUARRY_RUN_SECTION)
+#undef QUARRY_RUN_SECTION
+    return PageHtml(footage, sections);
+}
+
+int Run(const Options& options) {
+    const std::filesystem::path path = std::filesystem::path(options.out) / "report.html";
+    MakeFolder(options.out);
+    OutputFile file(path);
+    std::ofstream stream(file.temporary());
+    stream << RunAllOperations(options.media);
+    stream.close();
+    if (!stream) throw Failure(path.string() + ": cannot be written in full");
+    file.Keep();
+    std::cout << path.string() << '\n';
+    return kExitFine;
+}
+
+}  // namespace
+
+Verb AddDemo(CLI::App& commandLine) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = commandLine.add_subcommand(
+        "demo", "Runs every operation on real footage and writes one page that shows what came out");
+    command->add_option("--media", options->media, "Folder with vtest.avi and pictures")->capture_default_str();
+    command->add_option("--out", options->out, "Folder to write report.html to")->capture_default_str();
+    return {command, [options] { return Run(*options); }};
+}
+
+}  // namespace quarry::host

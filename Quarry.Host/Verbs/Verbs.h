@@ -1,0 +1,19 @@
+/// @file
+/// The verbs of the command: each adds its subcommand to the command line and runs it when it was chosen.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+namespace quarry::host {
+
+struct Verb {
+    CLI::App* command;         ///< owned by the command line it was added to
+    std::function<int()> run;  ///< gives the exit code; throws when the verb fails as a whole
+};
+
+Verb AddSharpness(CLI::App& commandLine);
+Verb AddBackground(CLI::App& commandLine);
+Verb AddDemo(CLI::App& commandLine);
+
+}  // namespace quarry::host
