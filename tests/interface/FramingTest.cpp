@@ -1,0 +1,298 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <opencv2/core.hpp>
+#include <stdexcept>
+
+#include "interface/BackgroundModel.h"
+#include "interface/Library.h"
+#include "support/Framed.h"
+#include "support/Scenes.h"
+#include "support/WrongFrames.h"
+
+namespace {
+
+using quarry::test::Apply;
+using quarry::test::BackgroundInput;
+using quarry::test::BackgroundView;
+using quarry::test::CreateBackgroundModel;
+using quarry::test::Feed;
+using quarry::test::Framed;
+using quarry::test::FramedInput;
+using quarry::test::FramedOptions;
+using quarry::test::FramedResult;
+using quarry::test::ImageOf;
+using quarry::test::kTicksPerSecond;
+using quarry::test::Library;
+using quarry::test::MovingSquare;
+using quarry::test::RandomFrame;
+using quarry::test::ViewOf;
+using quarry::test::WrongFrame;
+using quarry::test::WrongFrames;
+
+void* const kUntouched = reinterpret_cast<void*>(0x5EED);
+
+/// A call with a wrong frame throws MarshalingException with its one message.
+template <class Call>
+void ExpectMarshalingException(const WrongFrame& frame, Call call) {
+    try {
+        call();
+        ADD_FAILURE() << frame << ": nothing was thrown";
+    } catch (const MarshalingException& error) {
+        EXPECT_STREQ(error.what(), "Analysis System data marshaling error") << frame;
+    } catch (...) {
+        ADD_FAILURE() << frame << ": another exception was thrown";
+    }
+}
+
+class Framing : public testing::Test {
+protected:
+    Library library;
+};
+
+// ---- options
+
+class FramingOfOptions : public Framing {
+protected:
+    template <class Options>
+    void ExpectChecked(const char* factory) {
+        auto* const create = library.Factory<Options>(factory);
+        for (const WrongFrame& frame : WrongFrames(sizeof(Options), QUARRY_OPTIONS_TAG)) {
+            auto options = FramedOptions<Options>();
+            Apply(frame, options);
+            void* handle = kUntouched;
+            ExpectMarshalingException(frame, [&] { create(&handle, options.record()); });
+            EXPECT_EQ(handle, kUntouched) << frame;
+        }
+    }
+};
+
+TEST_F(FramingOfOptions, IsCheckedForASharpness) {
+    ExpectChecked<ProcessOptions>("CreateCVLaplacianVarianceProcessor");
+}
+
+TEST_F(FramingOfOptions, IsCheckedForABackgroundModel) {
+    ExpectChecked<BackgroundOptions>("CreateCVBackgroundModel");
+}
+
+TEST_F(FramingOfOptions, HasNoMeaningForTheBytesBeforeTheLength) {
+    QUARRY_FRAMED(ProcessOptions)
+    options = {-1, sizeof(ProcessOptions), {0xFFFFFFFFU, 0xFFFFFFFFU}, QUARRY_OPTIONS_TAG};
+    void* handle = nullptr;
+    library.Factory<ProcessOptions>("CreateCVLaplacianVarianceProcessor")(&handle, &options.Record);
+    EXPECT_NE(handle, nullptr);
+    library.Dispose(handle);
+}
+
+// ---- records of a processor
+
+class FramingOfAProcessor : public Framing {
+protected:
+    void SetUp() override {
+        auto options = FramedOptions<ProcessOptions>();
+        library.Factory<ProcessOptions>("CreateCVLaplacianVarianceProcessor")(&handle, options.record());
+    }
+    void TearDown() override { library.Dispose(handle); }
+
+    Framed<VoLInputData> Input() const {
+        auto input = FramedInput<VoLInputData>();
+        input->Image = ImageOf(frame);
+        return input;
+    }
+
+    void* handle = nullptr;
+    const cv::Mat frame = RandomFrame(16, 12, 3);
+};
+
+TEST_F(FramingOfAProcessor, IsCheckedForTheInput) {
+    for (const WrongFrame& wrong : WrongFrames(40, QUARRY_INPUT_TAG)) {
+        auto input = Input();
+        Apply(wrong, input);
+        auto result = FramedResult<VoLOutputData>();
+        ExpectMarshalingException(
+            wrong, [&] { library.Process(handle, input.as<ProcessData>(), result.as<ProcessResult>()); });
+    }
+}
+
+TEST_F(FramingOfAProcessor, LeavesTheResultUntouchedWhenTheInputsIsWrong) {
+    for (const WrongFrame& wrong : WrongFrames(40, QUARRY_INPUT_TAG)) {
+        auto input = Input();
+        Apply(wrong, input);
+        auto result = FramedResult<VoLOutputData>(0xB7);
+        const auto before = result.Bytes();
+        EXPECT_THROW(library.Process(handle, input.as<ProcessData>(), result.as<ProcessResult>()), MarshalingException);
+        EXPECT_EQ(result.Bytes(), before) << wrong;
+    }
+}
+
+TEST_F(FramingOfAProcessor, IsCheckedForTheResult) {
+    for (const WrongFrame& wrong : WrongFrames(8, QUARRY_RESULT_TAG)) {
+        auto input = Input();
+        auto result = FramedResult<VoLOutputData>();
+        Apply(wrong, result);
+        ExpectMarshalingException(
+            wrong, [&] { library.Process(handle, input.as<ProcessData>(), result.as<ProcessResult>()); });
+    }
+}
+
+TEST_F(FramingOfAProcessor, LeavesTheResultUntouchedWhenItsIsWrong) {
+    for (const WrongFrame& wrong : WrongFrames(8, QUARRY_RESULT_TAG)) {
+        auto input = Input();
+        auto result = FramedResult<VoLOutputData>(0xB7);
+        Apply(wrong, result);
+        const auto before = result.Bytes();
+        EXPECT_THROW(library.Process(handle, input.as<ProcessData>(), result.as<ProcessResult>()), MarshalingException);
+        EXPECT_EQ(result.Bytes(), before) << wrong;
+    }
+}
+
+TEST_F(FramingOfAProcessor, IsCheckedBeforeThePixelsAreRead) {
+    auto input = Input();
+    input->Image.data = nullptr;  // OpenCV would refuse it
+    auto result = FramedResult<VoLOutputData>();
+    result.SetTag(QUARRY_INPUT_TAG);
+    EXPECT_THROW(library.Process(handle, input.as<ProcessData>(), result.as<ProcessResult>()), MarshalingException);
+}
+
+TEST_F(FramingOfAProcessor, IsCheckedForAResultThatIsGivenBack) {
+    for (const WrongFrame& wrong : WrongFrames(8, QUARRY_RESULT_TAG)) {
+        auto result = FramedResult<VoLOutputData>(0xB7);
+        Apply(wrong, result);
+        const auto before = result.Bytes();
+        ExpectMarshalingException(wrong, [&] { library.DisposeResult(handle, result.as<ProcessResult>()); });
+        EXPECT_EQ(result.Bytes(), before) << wrong;
+    }
+}
+
+TEST_F(FramingOfAProcessor, LeavesTheProcessorUsableWhenItIsWrong) {
+    auto input = Input();
+    auto result = FramedResult<VoLOutputData>();
+    library.Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    const float variance = result->Variance;
+    input.SetTag(0);
+    EXPECT_THROW(library.Process(handle, input.as<ProcessData>(), result.as<ProcessResult>()), MarshalingException);
+    input.SetTag(QUARRY_INPUT_TAG);
+    library.Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    EXPECT_EQ(result->Variance, variance);
+}
+
+TEST_F(FramingOfAProcessor, HasNoMeaningForHeaderAndPadding) {
+    auto plain = Input();
+    auto filled = FramedInput<VoLInputData>(0xFF);
+    filled->Image.data = plain->Image.data;
+    filled->Image.width = plain->Image.width;
+    filled->Image.height = plain->Image.height;
+    auto first = FramedResult<VoLOutputData>();
+    auto second = FramedResult<VoLOutputData>();
+    library.Process(handle, plain.as<ProcessData>(), first.as<ProcessResult>());
+    library.Process(handle, filled.as<ProcessData>(), second.as<ProcessResult>());
+    EXPECT_GT(first->Variance, 0.0F);
+    EXPECT_EQ(second->Variance, first->Variance);
+}
+
+// ---- records of an updater
+
+class FramingOfAnUpdater : public Framing {
+protected:
+    void SetUp() override { handle = CreateBackgroundModel(library); }
+    void TearDown() override { library.Dispose(handle); }
+
+    void* handle = nullptr;
+    const cv::Mat frame = MovingSquare(32, 24, 0);
+    const cv::Mat other = RandomFrame(32, 24, 8);
+};
+
+TEST_F(FramingOfAnUpdater, IsCheckedForTheFirstFrame) {
+    for (const WrongFrame& wrong : WrongFrames(48, QUARRY_INPUT_TAG)) {
+        auto input = BackgroundInput(frame, kTicksPerSecond);
+        Apply(wrong, input);
+        ExpectMarshalingException(wrong, [&] { library.Update(handle, input.as<UpdateData>()); });
+    }
+}
+
+TEST_F(FramingOfAnUpdater, LeavesTheUpdaterWithoutAResultWhenTheFirstFramesIsWrong) {
+    for (const WrongFrame& wrong : WrongFrames(48, QUARRY_INPUT_TAG)) {
+        auto input = BackgroundInput(frame, kTicksPerSecond);
+        Apply(wrong, input);
+        EXPECT_THROW(library.Update(handle, input.as<UpdateData>()), MarshalingException);
+        auto result = FramedResult<BackgroundResult>();
+        EXPECT_THROW(library.GetUpdateResult(handle, result.as<UpdateResult>()), std::logic_error) << wrong;
+    }
+}
+
+TEST_F(FramingOfAnUpdater, LeavesTheResultAsItWasWhenALaterFramesIsWrong) {
+    const BackgroundView before = Feed(library, handle, frame, kTicksPerSecond);
+    for (const WrongFrame& wrong : WrongFrames(48, QUARRY_INPUT_TAG)) {
+        auto input = BackgroundInput(other, 9 * kTicksPerSecond);
+        Apply(wrong, input);
+        ExpectMarshalingException(wrong, [&] { library.Update(handle, input.as<UpdateData>()); });
+        EXPECT_EQ(ViewOf(library, handle, before.state), before) << wrong;
+    }
+}
+
+TEST_F(FramingOfAnUpdater, LeavesTheStateAsItWasWhenALaterFramesIsWrong) {
+    void* const undisturbed = CreateBackgroundModel(library);
+    Feed(library, handle, frame, kTicksPerSecond);
+    Feed(library, undisturbed, frame, kTicksPerSecond);
+    auto input = BackgroundInput(other, 9 * kTicksPerSecond);  // would end the learning
+    input.SetTag(QUARRY_RESULT_TAG);
+    EXPECT_THROW(library.Update(handle, input.as<UpdateData>()), MarshalingException);
+    const BackgroundView after = Feed(library, handle, other, 2 * kTicksPerSecond);
+    EXPECT_EQ(after, Feed(library, undisturbed, other, 2 * kTicksPerSecond));
+    EXPECT_EQ(after.state, Accumulating);
+    library.Dispose(undisturbed);
+}
+
+TEST_F(FramingOfAnUpdater, IsCheckedForTheResult) {
+    Feed(library, handle, frame, kTicksPerSecond);
+    for (const WrongFrame& wrong : WrongFrames(32, QUARRY_RESULT_TAG)) {
+        auto result = FramedResult<BackgroundResult>(0xB7);
+        Apply(wrong, result);
+        const auto before = result.Bytes();
+        ExpectMarshalingException(wrong, [&] { library.GetUpdateResult(handle, result.as<UpdateResult>()); });
+        EXPECT_EQ(result.Bytes(), before) << wrong;
+    }
+}
+
+TEST_F(FramingOfAnUpdater, IsCheckedBeforeAResultIsMissed) {
+    auto result = FramedResult<BackgroundResult>();
+    result.SetLength(16);
+    EXPECT_THROW(library.GetUpdateResult(handle, result.as<UpdateResult>()), MarshalingException);
+}
+
+TEST_F(FramingOfAnUpdater, IsCheckedBeforeTheResultIsBroughtUpToDate) {
+    auto kept = FramedResult<BackgroundResult>();
+    Feed(library, handle, frame, kTicksPerSecond);
+    library.GetUpdateResult(handle, kept.as<UpdateResult>());
+    auto input = BackgroundInput(other, 2 * kTicksPerSecond);
+    library.Update(handle, input.as<UpdateData>());
+    auto wrong = FramedResult<BackgroundResult>();
+    wrong.SetTag(QUARRY_INPUT_TAG);
+    EXPECT_THROW(library.GetUpdateResult(handle, wrong.as<UpdateResult>()), MarshalingException);
+    EXPECT_EQ(kept->BackgroundImage->timestamp, kTicksPerSecond);
+}
+
+TEST_F(FramingOfAnUpdater, KeepsThePaddingOfTheHostsRecord) {
+    auto input = BackgroundInput(frame, kTicksPerSecond);
+    library.Update(handle, input.as<UpdateData>());
+    auto result = FramedResult<BackgroundResult>(0xB7);
+    library.GetUpdateResult(handle, result.as<UpdateResult>());
+    EXPECT_EQ(result->Status, 0);
+    const auto bytes = result.Bytes();
+    for (const std::size_t padding : {4U, 5U, 6U, 7U}) EXPECT_EQ(bytes[padding], 0xB7) << "byte " << padding;
+}
+
+TEST_F(FramingOfAnUpdater, HasNoMeaningForHeaderAndPadding) {
+    void* const twin = CreateBackgroundModel(library);
+    auto filled = FramedInput<BackgroundData>(0xFF);
+    filled->Image.data = frame.data;
+    filled->Image.width = frame.cols;
+    filled->Image.height = frame.rows;
+    filled->Image.timestamp = kTicksPerSecond;
+    const int32_t state = library.Update(handle, filled.as<UpdateData>());
+    EXPECT_EQ(ViewOf(library, handle, state), Feed(library, twin, frame, kTicksPerSecond));
+    library.Dispose(twin);
+}
+
+}  // namespace

@@ -1,0 +1,97 @@
+#include "support/Allocations.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace {
+
+constexpr std::size_t kLargestBlock = std::size_t{1} << 30;
+constexpr std::size_t kMostNotes = 256;
+
+std::atomic<std::size_t> liveBlocks{0};
+std::atomic<bool> noting{false};
+std::atomic<std::size_t> noteCount{0};
+std::array<std::size_t, kMostNotes> notes;
+std::atomic<bool> failing{false};
+std::atomic<std::size_t> servedBeforeFailure{0};
+
+void* Allocate(std::size_t size) {
+    if (noting) {
+        const std::size_t note = noteCount++;
+        if (note < kMostNotes) notes[note] = size;
+    }
+    if (failing && servedBeforeFailure-- == 0) {
+        failing = false;
+        throw std::bad_alloc();
+    }
+    void* const block = size > kLargestBlock ? nullptr : std::malloc(std::max<std::size_t>(size, 1));
+    if (block == nullptr) throw std::bad_alloc();
+    std::memset(block, quarry::test::kFreshByte, size);
+    ++liveBlocks;
+    return block;
+}
+
+void Release(void* block) noexcept {
+    if (block == nullptr) return;
+    --liveBlocks;
+    std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    return Allocate(size);
+}
+void* operator new[](std::size_t size) {
+    return Allocate(size);
+}
+void operator delete(void* block) noexcept {
+    Release(block);
+}
+void operator delete[](void* block) noexcept {
+    Release(block);
+}
+void operator delete(void* block, std::size_t /*size*/) noexcept {
+    Release(block);
+}
+void operator delete[](void* block, std::size_t /*size*/) noexcept {
+    Release(block);
+}
+
+namespace quarry::test {
+
+std::size_t LiveBlocks() {
+    return liveBlocks;
+}
+
+AllocationLog::AllocationLog() {
+    noteCount = 0;
+    noting = true;
+}
+
+AllocationLog::~AllocationLog() {
+    noting = false;
+}
+
+std::vector<std::size_t> AllocationLog::Sizes() {
+    noting = false;
+    const auto count = static_cast<std::ptrdiff_t>(std::min<std::size_t>(noteCount, kMostNotes));
+    std::vector<std::size_t> sizes(notes.begin(), notes.begin() + count);
+    std::sort(sizes.begin(), sizes.end());
+    return sizes;
+}
+
+FailingAllocation::FailingAllocation(std::size_t served) {
+    servedBeforeFailure = served;
+    failing = true;
+}
+
+FailingAllocation::~FailingAllocation() {
+    failing = false;
+}
+
+}  // namespace quarry::test

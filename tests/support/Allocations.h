@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+/// What goes through `operator new`, for tests that link Allocations.cpp: it replaces the operators of the whole
+/// program. Fresh blocks are filled with kFreshByte, so that a buffer is never 0 by chance, and a block of more than a
+/// gigabyte is refused, so that an absurd request fails on every machine.
+namespace quarry::test {
+
+constexpr unsigned char kFreshByte = 0xCD;
+
+/// Blocks that were given out and have not been taken back.
+std::size_t LiveBlocks();
+
+/// Notes the size of every block that is asked for while it lives; one at a time.
+class AllocationLog {
+public:
+    AllocationLog();
+    AllocationLog(const AllocationLog&) = delete;
+    AllocationLog& operator=(const AllocationLog&) = delete;
+    ~AllocationLog();
+
+    /// Ends the notes and gives them, smallest first.
+    std::vector<std::size_t> Sizes();
+};
+
+/// Makes one allocation fail while it lives: the one after `served` more have been served.
+class FailingAllocation {
+public:
+    explicit FailingAllocation(std::size_t served);
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+    ~FailingAllocation();
+};
+
+}  // namespace quarry::test
