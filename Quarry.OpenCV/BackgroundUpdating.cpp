@@ -3,7 +3,6 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 #include <stdexcept>
-#include <string>
 
 #include "Quarry.Frame/Records/Buffers.h"
 #include "Quarry.OpenCV/CVHelper.h"
@@ -23,18 +22,6 @@ constexpr double kVarThreshold = 16.0;
 /// Time constants in one period: a period replaces 88 % of the background.
 constexpr double kTimeConstantsPerPeriod = 2.15;
 
-/// The size of a buffer is a product in 32 bits. One that wraps to a negative number fails as an allocation; one that
-/// wraps to a small number would be written far beyond its end, and is refused here.
-void CheckSize(const Image& image) {
-    const int64_t bytes = int64_t{image.width} * image.height * kChannels;
-    const int32_t allocated = quarry::Product(quarry::Product(image.width, kChannels), image.height);
-    if (allocated >= 0 && allocated != bytes) {
-        throw std::invalid_argument("BackgroundData.Image: " + std::to_string(image.width) + " x " +
-                                    std::to_string(image.height) +
-                                    " pixels; width x height x 3 may be at most 2147483647");
-    }
-}
-
 }  // namespace
 
 BackgroundUpdatingSystem::~BackgroundUpdatingSystem() {
@@ -52,7 +39,8 @@ bool BackgroundUpdatingSystem::NeedInitialize(BackgroundData data) {
 }
 
 void BackgroundUpdatingSystem::DoInitialize(BackgroundData data) {
-    CheckSize(data.Image);
+    quarry::CheckRoomForPackedFrame("BackgroundData.Image", data.Image.width, data.Image.height,
+                                    quarry::Product(data.Image.width, kChannels));
     ReleaseBuffers();
     DestroyBackgroundResult(result);
     frame = cv::Mat();

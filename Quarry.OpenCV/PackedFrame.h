@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <opencv2/core.hpp>
 
 #include "Quarry/SharedRecords.h"
@@ -18,5 +19,11 @@ inline cv::Mat PackedFrame(uint8_t* data, int width, int height) {
 inline cv::Mat PackedFrame(const Image& image) {
     return PackedFrame(image.data, image.width, image.height);
 }
+
+/// Checks that a buffer of `height * stride` bytes has room for the packed frame that will be written into it.
+/// An empty frame needs none.
+/// @param field  the record's field that says so, for the message
+/// @throws std::invalid_argument  `stride` is below `width * 3`, or the product does not fit 32 bits
+void CheckRoomForPackedFrame(const char* field, int width, int height, int stride);
 
 }  // namespace quarry

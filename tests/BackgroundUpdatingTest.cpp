@@ -41,8 +41,8 @@ public:
         subtractor->apply(frame, subtractorMask, static_cast<double>(rate));
         if (last != 0) accumulated += timestamp - last;
         last = timestamp;
-        const auto wholeSeconds = static_cast<float>(accumulated / kSecond);
-        state = std::isnan(learningPeriod) || learningPeriod <= wholeSeconds ? 2 : 1;
+        const uint64_t wholeSeconds = accumulated / kSecond;
+        state = std::isnan(learningPeriod) || learningPeriod <= static_cast<float>(wholeSeconds) ? 2 : 1;
         return state;
     }
 
@@ -427,7 +427,7 @@ TEST(BackgroundUpdating, RefusesAFrameWhoseBuffersWouldWrapToASmallSize) {
         FAIL() << "no exception";
     } catch (const std::invalid_argument& refusal) {
         EXPECT_STREQ(refusal.what(),
-                     "BackgroundData.Image: 65536 x 65536 pixels; width x height x 3 may be at most 2147483647");
+                     "BackgroundData.Image: height 65536 x stride 196608; at most 2147483647 is allowed");
     }
     EXPECT_TRUE(SameBytes(model.Result().BackgroundImage->data, frame)) << "the model is as it was";
 }

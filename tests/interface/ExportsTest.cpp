@@ -71,7 +71,10 @@ std::string Missing(const Names& from, const Names& in) {
 
 /// The functions with C linkage: they have no mangled name.
 const Names kDrivers = {"Process", "DisposeResult", "Update", "GetUpdateResult", "Dispose"};
-const Names kFactories = {"CreateCVBackgroundModel", "CreateCVLaplacianVarianceProcessor"};
+const Names kFactories = {
+    "CreateCVBackgroundModel",
+    "CreateCVLaplacianVarianceProcessor",
+};
 
 const Names kMemory = {
     "CreateImage(int, int, int, unsigned long long)",

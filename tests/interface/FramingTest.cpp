@@ -51,30 +51,99 @@ protected:
     Library library;
 };
 
-// ---- options
+// ---- every operation
 
-class FramingOfOptions : public Framing {
-protected:
-    template <class Options>
-    void ExpectChecked(const char* factory) {
-        auto* const create = library.Factory<Options>(factory);
-        for (const WrongFrame& frame : WrongFrames(sizeof(Options), QUARRY_OPTIONS_TAG)) {
-            auto options = FramedOptions<Options>();
-            Apply(frame, options);
-            void* handle = kUntouched;
-            ExpectMarshalingException(frame, [&] { create(&handle, options.record()); });
-            EXPECT_EQ(handle, kUntouched) << frame;
-        }
-    }
+template <class OptionsRecord, class InputRecord, class ResultRecord>
+struct Operation {
+    using Options = OptionsRecord;
+    using Input = InputRecord;
+    using Result = ResultRecord;
 };
 
-TEST_F(FramingOfOptions, IsCheckedForASharpness) {
-    ExpectChecked<ProcessOptions>("CreateCVLaplacianVarianceProcessor");
+struct Background : Operation<BackgroundOptions, BackgroundData, BackgroundResult> {
+    static constexpr const char* kFactory = "CreateCVBackgroundModel";
+    static constexpr bool kUpdater = true;
+};
+struct Sharpness : Operation<ProcessOptions, VoLInputData, VoLOutputData> {
+    static constexpr const char* kFactory = "CreateCVLaplacianVarianceProcessor";
+    static constexpr bool kUpdater = false;
+};
+
+template <class Kind>
+class FramingOfEveryOperation : public Framing {
+protected:
+    void SetUp() override {
+        auto options = FramedOptions<typename Kind::Options>();
+        create(&handle, options.record());
+    }
+    void TearDown() override { library.Dispose(handle); }
+
+    /// Feeds the operation; the records behind the frames are zeros, which nothing may come to read.
+    void Feed(Framed<typename Kind::Input>& input, Framed<typename Kind::Result>& result) const {
+        if (Kind::kUpdater) {
+            library.Update(handle, input.template as<UpdateData>());
+        } else {
+            library.Process(handle, input.template as<ProcessData>(), result.template as<ProcessResult>());
+        }
+    }
+
+    /// Hands a result over: for an updater to fill, for a processor to take back.
+    void HandOver(Framed<typename Kind::Result>& result) const {
+        if (Kind::kUpdater) {
+            library.GetUpdateResult(handle, result.template as<UpdateResult>());
+        } else {
+            library.DisposeResult(handle, result.template as<ProcessResult>());
+        }
+    }
+
+    void (*create)(void**, typename Kind::Options*) = library.template Factory<typename Kind::Options>(Kind::kFactory);
+    void* handle = nullptr;
+};
+
+using Operations = testing::Types<Background, Sharpness>;
+TYPED_TEST_SUITE(FramingOfEveryOperation, Operations);
+
+TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
+    using Options = typename TypeParam::Options;
+    for (const WrongFrame& wrong : WrongFrames(sizeof(Options), QUARRY_OPTIONS_TAG)) {
+        auto options = FramedOptions<Options>();
+        Apply(wrong, options);
+        void* untouched = kUntouched;
+        ExpectMarshalingException(wrong, [&] { this->create(&untouched, options.record()); });
+        EXPECT_EQ(untouched, kUntouched) << wrong;
+    }
 }
 
-TEST_F(FramingOfOptions, IsCheckedForABackgroundModel) {
-    ExpectChecked<BackgroundOptions>("CreateCVBackgroundModel");
+TYPED_TEST(FramingOfEveryOperation, IsCheckedForTheInput) {
+    using Input = typename TypeParam::Input;
+    for (const WrongFrame& wrong : WrongFrames(sizeof(Input), QUARRY_INPUT_TAG)) {
+        auto input = FramedInput<Input>();
+        Apply(wrong, input);
+        auto result = FramedResult<typename TypeParam::Result>(0xB7);
+        const auto before = result.Bytes();
+        ExpectMarshalingException(wrong, [&] { this->Feed(input, result); });
+        EXPECT_EQ(result.Bytes(), before) << wrong;
+    }
 }
+
+TYPED_TEST(FramingOfEveryOperation, IsCheckedForTheResult) {
+    using Result = typename TypeParam::Result;
+    for (const WrongFrame& wrong : WrongFrames(sizeof(Result), QUARRY_RESULT_TAG)) {
+        auto result = FramedResult<Result>(0xB7);
+        Apply(wrong, result);
+        const auto before = result.Bytes();
+        ExpectMarshalingException(wrong, [&] { this->HandOver(result); });
+        if (!TypeParam::kUpdater) {
+            auto input = FramedInput<typename TypeParam::Input>();
+            ExpectMarshalingException(wrong, [&] { this->Feed(input, result); });
+        }
+        EXPECT_EQ(result.Bytes(), before) << wrong;
+    }
+}
+
+// ---- options
+
+using FramingOfOptions = Framing;
 
 TEST_F(FramingOfOptions, HasNoMeaningForTheBytesBeforeTheLength) {
     QUARRY_FRAMED(ProcessOptions)
