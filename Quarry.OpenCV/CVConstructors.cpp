@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
+#include "Quarry.OpenCV/CVFaceLaplacianVarianceProcessor.h"
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
 #include "Quarry/Quarry.h"
 
@@ -24,6 +25,10 @@ void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {
 
 void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {
     Create<CVLaplacianVarianceProcessor>(handle, options);
+}
+
+void CreateCVFaceLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {
+    Create<CVFaceLaplacianVarianceProcessor>(handle, options);
 }
 
 }  // extern "C"

@@ -1,6 +1,15 @@
 #pragma once
 
+#include <opencv2/core.hpp>
+
 #include "Quarry.Frame/Processor.h"
+
+namespace quarry {
+
+/// The variance of the Laplacian of a grey picture: the square of its deviation, narrowed before it is squared.
+float VarianceOfLaplacian(const cv::Mat& grey);
+
+}  // namespace quarry
 
 /// Sharpness of a colour frame: the variance of its Laplacian (Pech-Pacheco et al., ICPR 2000). A sharp frame has
 /// strong second derivatives, a blurred one weak.

@@ -91,6 +91,9 @@ QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* option
 /// Sharpness of a frame: takes VoLInputData, gives VoLOutputData (processor).
 QUARRY_API void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
 
+/// Sharpness of a face: takes FaceVoLInputData, gives VoLOutputData (processor).
+QUARRY_API void CreateCVFaceLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
+
 #ifdef __cplusplus
 }
 #endif

@@ -68,6 +68,10 @@ struct Sharpness : Operation<ProcessOptions, VoLInputData, VoLOutputData> {
     static constexpr const char* kFactory = "CreateCVLaplacianVarianceProcessor";
     static constexpr bool kUpdater = false;
 };
+struct FaceSharpness : Operation<ProcessOptions, FaceVoLInputData, VoLOutputData> {
+    static constexpr const char* kFactory = "CreateCVFaceLaplacianVarianceProcessor";
+    static constexpr bool kUpdater = false;
+};
 
 template <class Kind>
 class FramingOfEveryOperation : public Framing {
@@ -100,7 +104,7 @@ protected:
     void* handle = nullptr;
 };
 
-using Operations = testing::Types<Background, Sharpness>;
+using Operations = testing::Types<Background, Sharpness, FaceSharpness>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations);
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
