@@ -2,6 +2,7 @@
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
 #include "Quarry.OpenCV/CVFaceLaplacianVarianceProcessor.h"
+#include "Quarry.OpenCV/CVImageAbsSubtractor.h"
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
 #include "Quarry/Quarry.h"
 
@@ -18,6 +19,10 @@ void Create(void** handle, Options* options) {
 }  // namespace
 
 extern "C" {
+
+void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* options) {
+    Create<CVImageAbsSubtractor>(handle, options);
+}
 
 void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {
     Create<CVBackgroundUpdater>(handle, options);

@@ -85,6 +85,9 @@ QUARRY_API void GetUpdateResult(void* handle, UpdateResult* result);
 /// Ends a handle and everything it owns. Null is allowed and does nothing.
 QUARRY_API void Dispose(void* handle);
 
+/// Absolute difference of two frames: takes BinaryImageOperationData, gives ImageOperationResult (processor).
+QUARRY_API void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* options);
+
 /// Background model: takes BackgroundData, gives BackgroundResult (updater).
 QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* options);
 

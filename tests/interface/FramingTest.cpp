@@ -60,6 +60,10 @@ struct Operation {
     using Result = ResultRecord;
 };
 
+struct ImageDifference : Operation<BinaryImageOperationOptions, BinaryImageOperationData, ImageOperationResult> {
+    static constexpr const char* kFactory = "CreateCVImageAbsSubtractor";
+    static constexpr bool kUpdater = false;
+};
 struct Background : Operation<BackgroundOptions, BackgroundData, BackgroundResult> {
     static constexpr const char* kFactory = "CreateCVBackgroundModel";
     static constexpr bool kUpdater = true;
@@ -104,7 +108,7 @@ protected:
     void* handle = nullptr;
 };
 
-using Operations = testing::Types<Background, Sharpness, FaceSharpness>;
+using Operations = testing::Types<ImageDifference, Background, Sharpness, FaceSharpness>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations);
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {

@@ -1,0 +1,342 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <opencv2/core.hpp>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Quarry/Quarry.h"
+#include "support/Allocations.h"
+#include "support/Footage.h"
+#include "support/Framed.h"
+#include "support/Scenes.h"
+
+namespace {
+
+using namespace quarry::test;
+
+constexpr int kLargest = std::numeric_limits<int32_t>::max();
+constexpr int kLowest = std::numeric_limits<int32_t>::min();
+
+/// A result of the processor, given back at the end.
+class Difference {
+public:
+    Difference(void* processor, const Image& first, const Image& second) : handle(processor) {
+        auto input = FramedInput<BinaryImageOperationData>(0xA5);
+        input->FirstImage = first;
+        input->SecondImage = second;
+        Process(handle, input.as<ProcessData>(), record.as<ProcessResult>());
+    }
+    Difference(const Difference&) = delete;
+    Difference& operator=(const Difference&) = delete;
+    ~Difference() { DisposeResult(handle, record.as<ProcessResult>()); }
+
+    const Image& operator*() { return *record->Image; }
+    const Image* operator->() { return record->Image; }
+
+    Framed<ImageOperationResult> record = FramedResult<ImageOperationResult>(0xA5);
+
+private:
+    void* handle;
+};
+
+/// One processor, called through the drivers.
+class ImageSubtractor : public testing::Test {
+protected:
+    ImageSubtractor() {
+        auto options = FramedOptions<BinaryImageOperationOptions>(0xA5);
+        CreateCVImageAbsSubtractor(&handle, options.record());
+    }
+    ~ImageSubtractor() override { Dispose(handle); }
+
+    /// What a call that must throw leaves in a record filled with 0xA5, and in memory.
+    template <class Exception>
+    void ExpectRefusal(const Image& first, const Image& second, const std::string& message = {}) {
+        SCOPED_TRACE(testing::Message() << first.width << " x " << first.height << ", stride " << first.stride);
+        auto input = FramedInput<BinaryImageOperationData>();
+        input->FirstImage = first;
+        input->SecondImage = second;
+        auto result = FramedResult<ImageOperationResult>(0xA5);
+        const std::size_t before = LiveBlocks();
+        try {
+            Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+            ADD_FAILURE() << "no exception";
+        } catch (const Exception& refusal) {
+            if (!message.empty()) {
+                EXPECT_EQ(refusal.what(), message);
+            }
+        }
+        EXPECT_EQ(LiveBlocks(), before);
+        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
+    }
+
+    void* handle = nullptr;
+};
+
+/// |a - b| of every byte.
+std::vector<uint8_t> Reference(const cv::Mat& a, const cv::Mat& b) {
+    std::vector<uint8_t> bytes(a.total() * 3);
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(std::abs(a.data[i] - b.data[i]));
+    return bytes;
+}
+
+bool StartsWith(const uint8_t* bytes, const std::vector<uint8_t>& expected) {
+    return expected.empty() || std::memcmp(bytes, expected.data(), expected.size()) == 0;
+}
+
+/// How many of the bytes nobody has written into since they were allocated.
+int CountFresh(const uint8_t* bytes, int count) {
+    return static_cast<int>(std::count(bytes, bytes + count, kFreshByte));
+}
+
+TEST_F(ImageSubtractor, IsTheDifferenceOfEveryByteForFramesOfAnySize) {
+    const cv::Size sizes[] = {{1, 1}, {1, 7}, {7, 1}, {2, 2}, {3, 3}, {17, 13}, {64, 48}, {333, 251}, {640, 480}};
+    for (const cv::Size& size : sizes) {
+        for (uint64_t seed = 0; seed < 4; ++seed) {
+            const cv::Mat first = RandomFrame(size.width, size.height, 2 * seed);
+            const cv::Mat second = RandomFrame(size.width, size.height, 2 * seed + 1);
+            Difference difference(handle, ImageOf(first), ImageOf(second));
+            EXPECT_TRUE(StartsWith(difference->data, Reference(first, second))) << size << ", seed " << seed;
+        }
+    }
+}
+
+TEST_F(ImageSubtractor, IsTheDifferenceOfEveryByteForRealFrames) {
+    const std::vector<cv::Mat> frames = PedestrianFrames(30);
+    if (frames.empty()) GTEST_SKIP() << "no footage in " << MediaDirectory();
+    for (std::size_t i = 1; i < frames.size(); ++i) {
+        Difference difference(handle, ImageOf(frames[i - 1]), ImageOf(frames[i]));
+        EXPECT_TRUE(StartsWith(difference->data, Reference(frames[i - 1], frames[i]))) << "frame " << i;
+    }
+}
+
+TEST_F(ImageSubtractor, IsTheDifferenceOfEveryPairOfBytes) {
+    cv::Mat first(256, 256, CV_8UC3);
+    cv::Mat second(256, 256, CV_8UC3);
+    for (int a = 0; a < 256; ++a) {
+        for (int b = 0; b < 256; ++b) {
+            first.at<cv::Vec3b>(a, b) = cv::Vec3b::all(static_cast<uint8_t>(a));
+            second.at<cv::Vec3b>(a, b) = cv::Vec3b::all(static_cast<uint8_t>(b));
+        }
+    }
+    Difference difference(handle, ImageOf(first), ImageOf(second));
+    EXPECT_TRUE(StartsWith(difference->data, Reference(first, second)));
+}
+
+TEST_F(ImageSubtractor, OfIdenticalFramesIsZero) {
+    const cv::Mat frame = RandomFrame(33, 21, 1);
+    const cv::Mat copy = frame.clone();
+    for (const cv::Mat& second : {copy, frame}) {
+        Difference difference(handle, ImageOf(frame), ImageOf(second));
+        EXPECT_TRUE(StartsWith(difference->data, std::vector<uint8_t>(frame.total() * 3, 0)));
+    }
+}
+
+TEST_F(ImageSubtractor, GivesTheFirstFramesGeometryAndTimestamp) {
+    const cv::Mat first = RandomFrame(17, 13, 1);
+    const cv::Mat second = RandomFrame(17, 13, 2);
+    Image image = ImageOf(first, 0x8123456789ABCDEF);
+    image.stride = 64;
+    Difference difference(handle, image, ImageOf(second, 7));
+    EXPECT_EQ(difference.record->Status, 0);
+    EXPECT_EQ(difference->width, 17);
+    EXPECT_EQ(difference->height, 13);
+    EXPECT_EQ(difference->stride, 64);
+    EXPECT_EQ(difference->timestamp, 0x8123456789ABCDEF);
+}
+
+TEST_F(ImageSubtractor, IgnoresTheSizeTheStrideAndTheTimestampOfTheSecondFrame) {
+    const cv::Mat first = RandomFrame(17, 13, 1);
+    const cv::Mat second = RandomFrame(17, 13, 2);
+    const Image seconds[] = {{second.data, 0, 0, 0, 9},
+                             {second.data, -4, -4, -4, ~uint64_t{0}},
+                             {second.data, kLargest, kLargest, kLargest, 1},
+                             {second.data, 13, 17, 39, 2}};
+    for (const Image& image : seconds) {
+        Difference difference(handle, ImageOf(first, 3), image);
+        EXPECT_EQ(difference->width, 17) << image.width;
+        EXPECT_EQ(difference->stride, 51) << image.width;
+        EXPECT_EQ(difference->timestamp, 3U) << image.width;
+        EXPECT_TRUE(StartsWith(difference->data, Reference(first, second))) << image.width;
+    }
+}
+
+TEST_F(ImageSubtractor, PacksTheRowsWhateverTheStride) {
+    const cv::Mat first = RandomFrame(17, 13, 1);
+    const cv::Mat second = RandomFrame(17, 13, 2);
+    for (const int stride : {51, 52, 64, 200}) {
+        Image image = ImageOf(first);
+        image.stride = stride;
+        Difference difference(handle, image, ImageOf(second));
+        EXPECT_TRUE(StartsWith(difference->data, Reference(first, second))) << "stride " << stride;
+    }
+}
+
+TEST_F(ImageSubtractor, LeavesTheRestOfTheBufferAsAllocated) {
+    const cv::Mat first = RandomFrame(17, 13, 1);
+    const cv::Mat second = RandomFrame(17, 13, 2);
+    for (const int stride : {52, 64, 200}) {
+        Image image = ImageOf(first);
+        image.stride = stride;
+        Difference difference(handle, image, ImageOf(second));
+        const int rest = 13 * (stride - 51);
+        EXPECT_EQ(CountFresh(difference->data + first.total() * 3, rest), rest) << "stride " << stride;
+    }
+}
+
+TEST_F(ImageSubtractor, ReadsPaddedRowsAsIfPacked) {
+    const cv::Mat first = RandomFrame(24, 16, 7);
+    const cv::Mat second = RandomFrame(24, 16, 8);
+    Image image = ImageOf(first);
+    image.width = 20;  // the stride still says 24 pixels
+    Difference difference(handle, image, ImageOf(second));
+    const cv::Mat skewedFirst(16, 20, CV_8UC3, first.data);
+    const cv::Mat skewedSecond(16, 20, CV_8UC3, second.data);
+    EXPECT_TRUE(StartsWith(difference->data, Reference(skewedFirst, skewedSecond)));
+}
+
+TEST_F(ImageSubtractor, LeavesBothFramesAsTheyAre) {
+    const cv::Mat first = RandomFrame(33, 21, 1);
+    const cv::Mat second = RandomFrame(33, 21, 2);
+    const cv::Mat firstBefore = first.clone();
+    const cv::Mat secondBefore = second.clone();
+    const Difference difference(handle, ImageOf(first), ImageOf(second));
+    EXPECT_EQ(std::memcmp(first.data, firstBefore.data, first.total() * 3), 0);
+    EXPECT_EQ(std::memcmp(second.data, secondBefore.data, second.total() * 3), 0);
+}
+
+TEST_F(ImageSubtractor, GivesEachResultABufferOfItsOwn) {
+    const cv::Mat first = RandomFrame(9, 7, 1);
+    const cv::Mat second = RandomFrame(9, 7, 2);
+    const cv::Mat third = RandomFrame(9, 7, 3);
+    Difference one(handle, ImageOf(first), ImageOf(second));
+    Difference other(handle, ImageOf(first), ImageOf(third));
+    EXPECT_TRUE(StartsWith(one->data, Reference(first, second)));
+    EXPECT_TRUE(StartsWith(other->data, Reference(first, third)));
+}
+
+TEST_F(ImageSubtractor, DoesNotReadTheRestOfItsOptions) {
+    const cv::Mat first = RandomFrame(9, 7, 1);
+    const cv::Mat second = RandomFrame(9, 7, 2);
+    const unsigned char fills[] = {0x00, 0x01, 0xFF};
+    for (const unsigned char fill : fills) {
+        auto options = FramedOptions<BinaryImageOperationOptions>(fill);
+        void* other = nullptr;
+        CreateCVImageAbsSubtractor(&other, options.record());
+        {
+            Difference difference(other, ImageOf(first), ImageOf(second));
+            EXPECT_TRUE(StartsWith(difference->data, Reference(first, second))) << "filled with " << int{fill};
+        }
+        Dispose(other);
+    }
+}
+
+TEST_F(ImageSubtractor, GivesAnImageWithoutPixelsForAnEmptyFrame) {
+    uint8_t pixel[3] = {};
+    for (uint8_t* const data : {pixel, static_cast<uint8_t*>(nullptr)}) {
+        for (const cv::Size& size : {cv::Size(0, 0), cv::Size(0, 5), cv::Size(5, 0)}) {
+            Difference difference(handle, {data, size.width, size.height, 24, 11}, {data, 1, 1, 3, 0});
+            EXPECT_EQ(difference->width, size.width) << size;
+            EXPECT_EQ(difference->height, size.height) << size;
+            EXPECT_EQ(difference->stride, 24) << size;
+            EXPECT_EQ(difference->timestamp, 11U) << size;
+            EXPECT_EQ(CountFresh(difference->data, size.height * 24), size.height * 24) << size;
+        }
+    }
+}
+
+TEST_F(ImageSubtractor, LeavesThePaddingOfTheHostsRecordAsItIs) {
+    const cv::Mat frame = RandomFrame(9, 7, 1);
+    Difference difference(handle, ImageOf(frame), ImageOf(frame));
+    const auto bytes = difference.record.Bytes();
+    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xA5) << "byte " << i;
+}
+
+TEST_F(ImageSubtractor, GivingAResultBackReleasesItAndForgetsIt) {
+    const cv::Mat frame = RandomFrame(9, 7, 1);
+    const std::size_t before = LiveBlocks();
+    auto input = FramedInput<BinaryImageOperationData>();
+    input->FirstImage = ImageOf(frame);
+    input->SecondImage = ImageOf(frame);
+    auto result = FramedResult<ImageOperationResult>();
+    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    EXPECT_EQ(LiveBlocks(), before + 2);
+    DisposeResult(handle, result.as<ProcessResult>());
+    EXPECT_EQ(LiveBlocks(), before);
+    EXPECT_EQ(result->Image, nullptr);
+}
+
+TEST_F(ImageSubtractor, GivingBackAResultWithoutAnImageChangesNothing) {
+    auto result = FramedResult<ImageOperationResult>(0x5A);
+    result->Image = nullptr;
+    const auto before = result.Bytes();
+    DisposeResult(handle, result.as<ProcessResult>());
+    EXPECT_EQ(result.Bytes(), before);
+}
+
+TEST_F(ImageSubtractor, RefusesNullPixelsOfFramesThatAreNotEmpty) {
+    const cv::Mat frame = RandomFrame(4, 4, 1);
+    Image null = ImageOf(frame);
+    null.data = nullptr;
+    ExpectRefusal<cv::Exception>(null, ImageOf(frame));
+    ExpectRefusal<cv::Exception>(ImageOf(frame), null);
+    ExpectRefusal<cv::Exception>(null, null);
+}
+
+TEST_F(ImageSubtractor, RefusesAStrideThatIsTooSmallForThePackedResult) {
+    const cv::Mat frame = RandomFrame(17, 13, 1);
+    for (const int stride : {50, 17, 1, 0, -1, -51, kLowest}) {
+        Image image = ImageOf(frame);
+        image.stride = stride;
+        ExpectRefusal<std::invalid_argument>(image, ImageOf(frame),
+                                             "BinaryImageOperationData.FirstImage.stride is " + std::to_string(stride) +
+                                                 "; at least width x 3 = 51 is needed");
+    }
+    // More pixels per row than 32 bits can hold bytes.
+    Image wide = ImageOf(frame);
+    wide.width = kLargest;
+    wide.stride = kLargest;
+    ExpectRefusal<std::invalid_argument>(wide, ImageOf(frame),
+                                         "BinaryImageOperationData.FirstImage.stride is 2147483647; at least width x 3 "
+                                         "= 6442450941 is needed");
+}
+
+TEST_F(ImageSubtractor, RefusesASizeWhoseBufferWouldWrapToASmallOne) {
+    uint8_t pixel[3] = {};
+    ExpectRefusal<std::invalid_argument>({pixel, 65536, 65536, 196608, 0}, {pixel, 0, 0, 0, 0},
+                                         "BinaryImageOperationData.FirstImage: height 65536 x stride 196608; at most "
+                                         "2147483647 is allowed");
+    ExpectRefusal<std::invalid_argument>({pixel, 1, 65537, 65536, 0}, {pixel, 0, 0, 0, 0});
+    ExpectRefusal<std::invalid_argument>({pixel, 1, 4, 1 << 30, 0}, {pixel, 0, 0, 0, 0});
+}
+
+TEST_F(ImageSubtractor, FailsAsAnAllocationWhenTheBufferWrapsToANegativeSize) {
+    uint8_t pixel[3] = {};
+    ExpectRefusal<std::bad_alloc>({pixel, 1, 2, 1 << 30, 0}, {pixel, 0, 0, 0, 0});
+    ExpectRefusal<std::bad_alloc>({pixel, 0, 5, -1, 0}, {pixel, 0, 0, 0, 0});
+}
+
+TEST_F(ImageSubtractor, RefusesANegativeSize) {
+    uint8_t pixels[12] = {};
+    ExpectRefusal<std::invalid_argument>(
+        {pixels, -5, -5, -1, 0}, {pixels, 0, 0, 0, 0},
+        "BinaryImageOperationData.FirstImage: -5 x -5 pixels; neither may be negative");
+    ExpectRefusal<std::invalid_argument>({pixels, -5, 5, 15, 0}, {pixels, 0, 0, 0, 0});
+    ExpectRefusal<std::invalid_argument>({pixels, 5, -5, -15, 0}, {pixels, 0, 0, 0, 0});
+    ExpectRefusal<std::invalid_argument>({pixels, kLowest, kLowest, 0, 0}, {pixels, 0, 0, 0, 0});
+}
+
+TEST_F(ImageSubtractor, WorksAfterAFailedCall) {
+    const cv::Mat first = RandomFrame(20, 16, 10);
+    const cv::Mat second = RandomFrame(20, 16, 11);
+    ExpectRefusal<cv::Exception>({nullptr, 4, 4, 12, 0}, ImageOf(first));
+    Difference difference(handle, ImageOf(first), ImageOf(second));
+    EXPECT_TRUE(StartsWith(difference->data, Reference(first, second)));
+}
+
+}  // namespace
