@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
+#include "Quarry.OpenCV/CVCosineSimilarity.h"
 #include "Quarry.OpenCV/CVFaceLaplacianVarianceProcessor.h"
 #include "Quarry.OpenCV/CVImageAbsSubtractor.h"
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
@@ -34,6 +35,10 @@ void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options) 
 
 void CreateCVFaceLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {
     Create<CVFaceLaplacianVarianceProcessor>(handle, options);
+}
+
+void CreateCVCosineSimilarity(void** handle, ProcessOptions* options) {
+    Create<CVCosineSimilarity>(handle, options);
 }
 
 }  // extern "C"

@@ -97,6 +97,9 @@ QUARRY_API void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions
 /// Sharpness of a face: takes FaceVoLInputData, gives VoLOutputData (processor).
 QUARRY_API void CreateCVFaceLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
 
+/// Cosine similarity of two embeddings: takes EmbeddingData, gives CosineOutputData (processor).
+QUARRY_API void CreateCVCosineSimilarity(void** handle, ProcessOptions* options);
+
 #ifdef __cplusplus
 }
 #endif

@@ -76,6 +76,10 @@ struct FaceSharpness : Operation<ProcessOptions, FaceVoLInputData, VoLOutputData
     static constexpr const char* kFactory = "CreateCVFaceLaplacianVarianceProcessor";
     static constexpr bool kUpdater = false;
 };
+struct Similarity : Operation<ProcessOptions, EmbeddingData, CosineOutputData> {
+    static constexpr const char* kFactory = "CreateCVCosineSimilarity";
+    static constexpr bool kUpdater = false;
+};
 
 template <class Kind>
 class FramingOfEveryOperation : public Framing {
@@ -108,7 +112,8 @@ protected:
     void* handle = nullptr;
 };
 
-using Operations = testing::Types<ImageDifference, Background, Sharpness, FaceSharpness>;
+using Operations = testing::Types<ImageDifference, Background, Sharpness, FaceSharpness,
+                                  Similarity>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations);
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {

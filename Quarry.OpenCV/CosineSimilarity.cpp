@@ -1,0 +1,42 @@
+#include "Quarry.OpenCV/CosineSimilarity.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+constexpr int kLength = 512;
+
+void CheckEmbedding(const char* field, const float* values) {
+    if (values == nullptr) {
+        throw std::invalid_argument(std::string("EmbeddingData.") + field + " is null; 512 values are needed");
+    }
+}
+
+float Dot(const float* a, const float* b) {
+    float sum = 0;
+    for (int i = 0; i < kLength; ++i) sum += a[i] * b[i];
+    return sum;
+}
+
+double Square(float value) {
+    return static_cast<double>(value) * static_cast<double>(value);
+}
+
+double Norm(const float* v) {
+    double sum = 0;
+    for (int k = 0; k < kLength; k += 4) {
+        sum += Square(v[k]) + Square(v[k + 1]) + Square(v[k + 2]) + Square(v[k + 3]);
+    }
+    return std::sqrt(sum);
+}
+
+}  // namespace
+
+CosineOutputData CosineSimilarity::DoProcess(EmbeddingData data) {
+    CheckEmbedding("FirstEmbedding", data.FirstEmbedding);
+    CheckEmbedding("SecondEmbedding", data.SecondEmbedding);
+    const double dot = Dot(data.FirstEmbedding, data.SecondEmbedding);
+    return {0, dot / (Norm(data.FirstEmbedding) * Norm(data.SecondEmbedding))};
+}
