@@ -3,6 +3,7 @@
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
 #include "Quarry.OpenCV/CVCosineSimilarity.h"
 #include "Quarry.OpenCV/CVFaceLaplacianVarianceProcessor.h"
+#include "Quarry.OpenCV/CVFastNlMeansDenoisingFilter.h"
 #include "Quarry.OpenCV/CVImageAbsSubtractor.h"
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
 #include "Quarry/Quarry.h"
@@ -27,6 +28,10 @@ void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* opti
 
 void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {
     Create<CVBackgroundUpdater>(handle, options);
+}
+
+void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options) {
+    Create<CVFastNlMeansDenoisingFilter>(handle, options);
 }
 
 void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {

@@ -75,6 +75,7 @@ const Names kFactories = {
     "CreateCVBackgroundModel",
     "CreateCVCosineSimilarity",
     "CreateCVFaceLaplacianVarianceProcessor",
+    "CreateCVFastNlMeansDenoisingFilter",
     "CreateCVImageAbsSubtractor",
     "CreateCVLaplacianVarianceProcessor",
 };

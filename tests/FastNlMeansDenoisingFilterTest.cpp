@@ -1,0 +1,340 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+#include <opencv2/photo.hpp>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Quarry/Quarry.h"
+#include "support/Allocations.h"
+#include "support/Footage.h"
+#include "support/Framed.h"
+#include "support/Scenes.h"
+
+namespace {
+
+using namespace quarry::test;
+
+constexpr int kLowest = std::numeric_limits<int32_t>::min();
+
+/// A result of the filter, given back at the end.
+class Denoised {
+public:
+    Denoised(void* filter, const Image& image) : handle(filter) {
+        auto input = FramedInput<FilterData>(0xA5);
+        input->Image = image;
+        Process(handle, input.as<ProcessData>(), record.as<ProcessResult>());
+    }
+    Denoised(const Denoised&) = delete;
+    Denoised& operator=(const Denoised&) = delete;
+    ~Denoised() { DisposeResult(handle, record.as<ProcessResult>()); }
+
+    const Image* operator->() { return record->Image; }
+
+    Framed<FilterResult> record = FramedResult<FilterResult>(0xA5);
+
+private:
+    void* handle;
+};
+
+/// One filter, called through the drivers.
+class FastNlMeansDenoisingFilter : public testing::Test {
+protected:
+    FastNlMeansDenoisingFilter() {
+        auto options = FramedOptions<FilterOptions>(0xA5);
+        CreateCVFastNlMeansDenoisingFilter(&handle, options.record());
+    }
+    ~FastNlMeansDenoisingFilter() override { Dispose(handle); }
+
+    /// What a call that must throw leaves in a record filled with 0xA5, and in memory.
+    template <class Exception>
+    void ExpectRefusal(const Image& image, const std::string& message = {}) {
+        SCOPED_TRACE(testing::Message() << image.width << " x " << image.height << ", stride " << image.stride);
+        auto input = FramedInput<FilterData>();
+        input->Image = image;
+        auto result = FramedResult<FilterResult>(0xA5);
+        const std::size_t before = LiveBlocks();
+        try {
+            Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+            ADD_FAILURE() << "no exception";
+        } catch (const Exception& refusal) {
+            if (!message.empty()) {
+                EXPECT_EQ(refusal.what(), message);
+            }
+        }
+        EXPECT_EQ(LiveBlocks(), before);
+        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
+    }
+
+    void* handle = nullptr;
+};
+
+cv::Mat Reference(const cv::Mat& frame) {
+    cv::Mat denoised;
+    cv::fastNlMeansDenoisingColored(frame, denoised, 10.0F, 10.0F, 7, 21);
+    return denoised;
+}
+
+bool StartsWith(const uint8_t* bytes, const cv::Mat& expected) {
+    return std::memcmp(bytes, expected.data, expected.total() * expected.elemSize()) == 0;
+}
+
+/// How many of the bytes nobody has written into since they were allocated.
+int CountFresh(const uint8_t* bytes, int count) {
+    return static_cast<int>(std::count(bytes, bytes + count, kFreshByte));
+}
+
+/// A smooth scene under noise that the filter's strength is made for.
+cv::Mat NoisyScene(int width, int height, uint64_t seed) {
+    cv::Mat frame = MovingSquare(width, height, 2);
+    cv::Mat noise(frame.size(), CV_8UC3);
+    cv::RNG random(seed + 1);
+    random.fill(noise, cv::RNG::NORMAL, 20, 10);
+    return frame + noise;
+}
+
+TEST_F(FastNlMeansDenoisingFilter, EqualsThePlainCallOnFramesOfAnySize) {
+    const cv::Size sizes[] = {{1, 1}, {1, 9}, {9, 1}, {2, 2}, {3, 3}, {5, 40}, {17, 13}, {64, 48}, {101, 67}};
+    for (const cv::Size& size : sizes) {
+        for (uint64_t seed = 0; seed < 3; ++seed) {
+            for (const cv::Mat& frame :
+                 {RandomFrame(size.width, size.height, seed), NoisyScene(size.width, size.height, seed)}) {
+                Denoised denoised(handle, ImageOf(frame));
+                EXPECT_TRUE(StartsWith(denoised->data, Reference(frame))) << size << ", seed " << seed;
+            }
+        }
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, EqualsThePlainCallOnRealFrames) {
+    const std::vector<cv::Mat> frames = PedestrianFrames(10);
+    if (frames.empty()) GTEST_SKIP() << "no footage in " << MediaDirectory();
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        const cv::Mat part = frames[i](cv::Rect(40 * static_cast<int>(i), 200, 160, 120)).clone();
+        Denoised denoised(handle, ImageOf(part));
+        EXPECT_TRUE(StartsWith(denoised->data, Reference(part))) << "frame " << i;
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, EqualsThePlainCallOnPictures) {
+    for (const char* const name : {"messi5.jpg", "fruits.jpg", "text_defocus.jpg"}) {
+        const cv::Mat picture = cv::imread((MediaDirectory() / name).string());
+        if (picture.empty()) GTEST_SKIP() << "no " << name << " in " << MediaDirectory();
+        cv::Mat small;
+        cv::resize(picture, small, {161, 117}, 0, 0, cv::INTER_AREA);
+        Denoised denoised(handle, ImageOf(small));
+        EXPECT_TRUE(StartsWith(denoised->data, Reference(small))) << name;
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, EveryConstantCounts) {
+    // A frame on which another strength or window gives another picture, so that equality above says something.
+    const cv::Mat frame = NoisyScene(64, 48, 5);
+    Denoised denoised(handle, ImageOf(frame));
+    struct Constants {
+        float strength, colorStrength;
+        int templateWindow, searchWindow;
+    };
+    for (const Constants& c : {Constants{9.0F, 10.0F, 7, 21}, Constants{10.0F, 9.0F, 7, 21},
+                               Constants{10.0F, 10.0F, 5, 21}, Constants{10.0F, 10.0F, 7, 19}}) {
+        cv::Mat other;
+        cv::fastNlMeansDenoisingColored(frame, other, c.strength, c.colorStrength, c.templateWindow, c.searchWindow);
+        EXPECT_FALSE(StartsWith(denoised->data, other))
+            << c.strength << ", " << c.colorStrength << ", " << c.templateWindow << ", " << c.searchWindow;
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, BringsANoisyFrameCloserToTheCleanOne) {
+    const cv::Mat clean(48, 64, CV_8UC3, cv::Scalar(90, 120, 150));
+    cv::Mat noise(clean.size(), CV_16SC3);
+    cv::RNG random(4);
+    random.fill(noise, cv::RNG::NORMAL, 0, 8);
+    cv::Mat noisy;
+    cv::add(clean, noise, noisy, cv::noArray(), CV_8U);
+    Denoised denoised(handle, ImageOf(noisy));
+    const cv::Mat result(48, 64, CV_8UC3, denoised->data);
+    EXPECT_LT(cv::norm(result, clean), 0.4 * cv::norm(noisy, clean));
+}
+
+TEST_F(FastNlMeansDenoisingFilter, GivesBackAUniformFrameButForTheRoundingOfItsColourSpace) {
+    cv::RNG random(9);
+    for (int i = 0; i < 200; ++i) {
+        const cv::Scalar color(random.uniform(0, 256), random.uniform(0, 256), random.uniform(0, 256));
+        const cv::Mat frame(9, 11, CV_8UC3, color);
+        cv::Mat there;
+        cv::Mat andBack;
+        cv::cvtColor(frame, there, cv::COLOR_LBGR2Lab);
+        cv::cvtColor(there, andBack, cv::COLOR_Lab2LBGR);
+        Denoised denoised(handle, ImageOf(frame));
+        EXPECT_TRUE(StartsWith(denoised->data, andBack)) << color;
+        EXPECT_LE(cv::norm(andBack, frame, cv::NORM_INF), 5) << color;
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, GivesBackABlackFrame) {
+    const cv::Mat frame = cv::Mat::zeros(9, 11, CV_8UC3);
+    Denoised denoised(handle, ImageOf(frame));
+    EXPECT_TRUE(StartsWith(denoised->data, frame));
+}
+
+TEST_F(FastNlMeansDenoisingFilter, GivesTheFramesGeometryAndTimestamp) {
+    const cv::Mat frame = RandomFrame(17, 13, 1);
+    Image image = ImageOf(frame, 0x8123456789ABCDEF);
+    image.stride = 64;
+    Denoised denoised(handle, image);
+    EXPECT_EQ(denoised.record->Status, 0);
+    EXPECT_EQ(denoised->width, 17);
+    EXPECT_EQ(denoised->height, 13);
+    EXPECT_EQ(denoised->stride, 64);
+    EXPECT_EQ(denoised->timestamp, 0x8123456789ABCDEF);
+}
+
+TEST_F(FastNlMeansDenoisingFilter, PacksTheRowsAndLeavesTheRestOfTheBufferAsAllocated) {
+    const cv::Mat frame = NoisyScene(17, 13, 1);
+    for (const int stride : {51, 52, 64, 200}) {
+        Image image = ImageOf(frame);
+        image.stride = stride;
+        Denoised denoised(handle, image);
+        EXPECT_TRUE(StartsWith(denoised->data, Reference(frame))) << "stride " << stride;
+        const int rest = 13 * (stride - 51);
+        EXPECT_EQ(CountFresh(denoised->data + frame.total() * 3, rest), rest) << "stride " << stride;
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, ReadsPaddedRowsAsIfPacked) {
+    const cv::Mat padded = NoisyScene(24, 16, 7);
+    Image image = ImageOf(padded);
+    image.width = 20;  // the stride still says 24 pixels
+    Denoised denoised(handle, image);
+    EXPECT_TRUE(StartsWith(denoised->data, Reference(cv::Mat(16, 20, CV_8UC3, padded.data))));
+}
+
+TEST_F(FastNlMeansDenoisingFilter, LeavesTheFrameAsItIs) {
+    const cv::Mat frame = NoisyScene(33, 21, 9);
+    const cv::Mat before = frame.clone();
+    const Denoised denoised(handle, ImageOf(frame));
+    EXPECT_EQ(std::memcmp(frame.data, before.data, frame.total() * frame.elemSize()), 0);
+}
+
+TEST_F(FastNlMeansDenoisingFilter, DoesNotReadTheRestOfItsOptions) {
+    const cv::Mat frame = NoisyScene(20, 16, 3);
+    const unsigned char fills[] = {0x00, 0x01, 0xFF};
+    for (const unsigned char fill : fills) {
+        auto options = FramedOptions<FilterOptions>(fill);
+        void* other = nullptr;
+        CreateCVFastNlMeansDenoisingFilter(&other, options.record());
+        {
+            Denoised denoised(other, ImageOf(frame));
+            EXPECT_TRUE(StartsWith(denoised->data, Reference(frame))) << "filled with " << int{fill};
+        }
+        Dispose(other);
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, GivesAnUnfilledImageForASizeWithoutPixels) {
+    uint8_t pixel[3] = {};
+    struct Case {
+        int width, height, stride, bytes;
+    };
+    const Case cases[] = {
+        {0, 0, 0, 0},
+        {0, 5, 12, 60},
+        {0, 5, 0, 0},
+        {5, 0, 15, 0},
+        {5, 0, -1, 0},
+        {-4, 5, 12, 60},          // the product is negative
+        {4, -5, -12, 60},         // so it is here
+        {32768, 65536, 0, 0},     // 2 ^ 31 wraps to a negative product
+        {65536, 65536, 1, 65536}  // 2 ^ 32 wraps to 0
+    };
+    for (const Case& c : cases) {
+        for (uint8_t* const data : {pixel, static_cast<uint8_t*>(nullptr)}) {
+            SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << ", stride " << c.stride);
+            Denoised denoised(handle, {data, c.width, c.height, c.stride, 11});
+            EXPECT_EQ(denoised.record->Status, 0);
+            EXPECT_EQ(denoised->width, c.width);
+            EXPECT_EQ(denoised->height, c.height);
+            EXPECT_EQ(denoised->stride, c.stride);
+            EXPECT_EQ(denoised->timestamp, 11U);
+            EXPECT_EQ(CountFresh(denoised->data, c.bytes), c.bytes);
+        }
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, LeavesThePaddingOfTheHostsRecordAsItIs) {
+    const cv::Mat frame = RandomFrame(9, 7, 1);
+    Denoised denoised(handle, ImageOf(frame));
+    const auto bytes = denoised.record.Bytes();
+    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xA5) << "byte " << i;
+}
+
+TEST_F(FastNlMeansDenoisingFilter, GivingAResultBackReleasesItAndForgetsIt) {
+    const cv::Mat frame = RandomFrame(9, 7, 1);
+    { const Denoised first(handle, ImageOf(frame)); }  // what OpenCV keeps for later calls is allocated now
+    const std::size_t before = LiveBlocks();
+    auto input = FramedInput<FilterData>();
+    input->Image = ImageOf(frame);
+    auto result = FramedResult<FilterResult>();
+    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    EXPECT_EQ(LiveBlocks(), before + 2);
+    DisposeResult(handle, result.as<ProcessResult>());
+    EXPECT_EQ(LiveBlocks(), before);
+    EXPECT_EQ(result->Image, nullptr);
+}
+
+TEST_F(FastNlMeansDenoisingFilter, GivingBackAResultWithoutAnImageChangesNothing) {
+    auto result = FramedResult<FilterResult>(0x5A);
+    result->Image = nullptr;
+    const auto before = result.Bytes();
+    DisposeResult(handle, result.as<ProcessResult>());
+    EXPECT_EQ(result.Bytes(), before);
+}
+
+TEST_F(FastNlMeansDenoisingFilter, RefusesNullPixelsOfAFrameThatIsNotEmpty) {
+    ExpectRefusal<cv::Exception>({nullptr, 4, 4, 12, 0});
+}
+
+TEST_F(FastNlMeansDenoisingFilter, RefusesAStrideThatIsTooSmallForThePackedResult) {
+    const cv::Mat frame = RandomFrame(17, 13, 1);
+    for (const int stride : {50, 17, 1, 0, -1, -51, kLowest}) {
+        Image image = ImageOf(frame);
+        image.stride = stride;
+        ExpectRefusal<std::invalid_argument>(
+            image, "FilterData.Image.stride is " + std::to_string(stride) + "; at least width x 3 = 51 is needed");
+    }
+}
+
+TEST_F(FastNlMeansDenoisingFilter, RefusesASizeWhoseBufferWouldWrapToASmallOne) {
+    uint8_t pixel[3] = {};
+    ExpectRefusal<std::invalid_argument>({pixel, 1, 4, 1 << 30, 0},
+                                         "FilterData.Image: height 4 x stride 1073741824; at most 2147483647 is "
+                                         "allowed");
+    ExpectRefusal<std::invalid_argument>({pixel, 65537, 65537, 65536 * 4, 0});  // the number of pixels wraps too
+}
+
+TEST_F(FastNlMeansDenoisingFilter, FailsAsAnAllocationWhenTheBufferWrapsToANegativeSize) {
+    uint8_t pixel[3] = {};
+    ExpectRefusal<std::bad_alloc>({pixel, 1, 2, 1 << 30, 0});
+    ExpectRefusal<std::bad_alloc>({pixel, 0, 5, -1, 0});
+}
+
+TEST_F(FastNlMeansDenoisingFilter, RefusesASizeThatIsNegativeBothWays) {
+    uint8_t pixels[12] = {};
+    ExpectRefusal<cv::Exception>({pixels, -5, -5, -1, 0});
+    ExpectRefusal<cv::Exception>({pixels, -1, -1, 0, 0});
+}
+
+TEST_F(FastNlMeansDenoisingFilter, WorksAfterAFailedCall) {
+    const cv::Mat frame = NoisyScene(20, 16, 10);
+    ExpectRefusal<cv::Exception>({nullptr, 4, 4, 12, 0});
+    Denoised denoised(handle, ImageOf(frame));
+    EXPECT_TRUE(StartsWith(denoised->data, Reference(frame)));
+}
+
+}  // namespace
