@@ -2,6 +2,7 @@
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
 #include "Quarry.OpenCV/CVCosineSimilarity.h"
+#include "Quarry.OpenCV/CVDenseOpticalFlowUpdater.h"
 #include "Quarry.OpenCV/CVFaceLaplacianVarianceProcessor.h"
 #include "Quarry.OpenCV/CVFastNlMeansDenoisingFilter.h"
 #include "Quarry.OpenCV/CVImageAbsSubtractor.h"
@@ -28,6 +29,10 @@ void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* opti
 
 void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {
     Create<CVBackgroundUpdater>(handle, options);
+}
+
+void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options) {
+    Create<CVDenseOpticalFlowUpdater>(handle, options);
 }
 
 void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options) {

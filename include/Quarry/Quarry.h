@@ -91,6 +91,9 @@ QUARRY_API void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOp
 /// Background model: takes BackgroundData, gives BackgroundResult (updater).
 QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* options);
 
+/// Dense optical flow: takes OFCData, gives OFCResult (updater).
+QUARRY_API void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options);
+
 /// Non-local means denoising: takes FilterData, gives FilterResult (processor).
 QUARRY_API void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options);
 

@@ -74,6 +74,7 @@ const Names kDrivers = {"Process", "DisposeResult", "Update", "GetUpdateResult",
 const Names kFactories = {
     "CreateCVBackgroundModel",
     "CreateCVCosineSimilarity",
+    "CreateCVDenseOpticalFlowCalculator",
     "CreateCVFaceLaplacianVarianceProcessor",
     "CreateCVFastNlMeansDenoisingFilter",
     "CreateCVImageAbsSubtractor",

@@ -68,6 +68,10 @@ struct Background : Operation<BackgroundOptions, BackgroundData, BackgroundResul
     static constexpr const char* kFactory = "CreateCVBackgroundModel";
     static constexpr bool kUpdater = true;
 };
+struct DenseFlow : Operation<OFCOptions, OFCData, OFCResult> {
+    static constexpr const char* kFactory = "CreateCVDenseOpticalFlowCalculator";
+    static constexpr bool kUpdater = true;
+};
 struct Denoising : Operation<FilterOptions, FilterData, FilterResult> {
     static constexpr const char* kFactory = "CreateCVFastNlMeansDenoisingFilter";
     static constexpr bool kUpdater = false;
@@ -116,7 +120,7 @@ protected:
     void* handle = nullptr;
 };
 
-using Operations = testing::Types<ImageDifference, Background, Denoising, Sharpness, FaceSharpness,
+using Operations = testing::Types<ImageDifference, Background, DenseFlow, Denoising, Sharpness, FaceSharpness,
                                   Similarity>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations);
 
