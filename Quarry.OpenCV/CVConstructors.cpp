@@ -7,6 +7,7 @@
 #include "Quarry.OpenCV/CVFastNlMeansDenoisingFilter.h"
 #include "Quarry.OpenCV/CVImageAbsSubtractor.h"
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
+#include "Quarry.OpenCV/CVOpticalFlowLineInvoker.h"
 #include "Quarry/Quarry.h"
 
 namespace {
@@ -33,6 +34,10 @@ void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {
 
 void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options) {
     Create<CVDenseOpticalFlowUpdater>(handle, options);
+}
+
+void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options) {
+    Create<CVOpticalFlowLineInvoker>(handle, options);
 }
 
 void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options) {

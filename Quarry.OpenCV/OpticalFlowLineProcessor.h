@@ -1,12 +1,24 @@
 #pragma once
 
-#include "Quarry.Frame/Processor.h"
-#include "Quarry/Memory.h"
+#include <vector>
 
-/// Motion across a line. So far the class says how its results are released; no factory builds it.
+#include "Quarry.Frame/Processor.h"
+
+/// Motion across a line: how far the pixels of a straight segment lie from it once a motion field has moved them,
+/// resampled to the number of values that the host asks for.
+///
+/// The field is read in place during the call. The values belong to the result, which the host gives back with
+/// DisposeResult. An empty or null field, and a segment outside it, give zeros.
+/// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
+/// @throws std::invalid_argument  `ValuesCount` is negative
 class OpticalFlowLineProcessor : public Processor<OFLineOptions, OFLineData, OFLineResult> {
 public:
     using Processor::Processor;
 
-    void DoDisposeData(OFLineResult* result) override { DestroyOFLineResult(result); }
+    OFLineResult DoProcess(OFLineData data) override;
+    void DoDisposeData(OFLineResult* result) override;
+
+    /// Resamples a buffer to `count` values, nearest neighbour: repeats each value a whole number of times, or picks.
+    /// @param buffer  not empty
+    static void CopyBufferToResult(const std::vector<float>& buffer, float* out, int count);
 };

@@ -94,6 +94,9 @@ QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* option
 /// Dense optical flow: takes OFCData, gives OFCResult (updater).
 QUARRY_API void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options);
 
+/// Motion across a line: takes OFLineData, gives OFLineResult (processor).
+QUARRY_API void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options);
+
 /// Non-local means denoising: takes FilterData, gives FilterResult (processor).
 QUARRY_API void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options);
 

@@ -72,6 +72,10 @@ struct DenseFlow : Operation<OFCOptions, OFCData, OFCResult> {
     static constexpr const char* kFactory = "CreateCVDenseOpticalFlowCalculator";
     static constexpr bool kUpdater = true;
 };
+struct FlowLine : Operation<OFLineOptions, OFLineData, OFLineResult> {
+    static constexpr const char* kFactory = "CreateCVOpticalFlowLineProcessor";
+    static constexpr bool kUpdater = false;
+};
 struct Denoising : Operation<FilterOptions, FilterData, FilterResult> {
     static constexpr const char* kFactory = "CreateCVFastNlMeansDenoisingFilter";
     static constexpr bool kUpdater = false;
@@ -120,7 +124,7 @@ protected:
     void* handle = nullptr;
 };
 
-using Operations = testing::Types<ImageDifference, Background, DenseFlow, Denoising, Sharpness, FaceSharpness,
+using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
                                   Similarity>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations);
 
