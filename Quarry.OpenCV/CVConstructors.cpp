@@ -7,6 +7,7 @@
 #include "Quarry.OpenCV/CVFastNlMeansDenoisingFilter.h"
 #include "Quarry.OpenCV/CVImageAbsSubtractor.h"
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
+#include "Quarry.OpenCV/CVMosseTrackerUpdater.h"
 #include "Quarry.OpenCV/CVOpticalFlowLineInvoker.h"
 #include "Quarry/Quarry.h"
 
@@ -50,6 +51,10 @@ void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options) 
 
 void CreateCVFaceLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {
     Create<CVFaceLaplacianVarianceProcessor>(handle, options);
+}
+
+void CreateCVMosseTracker(void** handle, MosseTrackerOptions* options) {
+    Create<CVMosseTrackerUpdater>(handle, options);
 }
 
 void CreateCVCosineSimilarity(void** handle, ProcessOptions* options) {

@@ -106,6 +106,10 @@ QUARRY_API void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions
 /// Sharpness of a face: takes FaceVoLInputData, gives VoLOutputData (processor).
 QUARRY_API void CreateCVFaceLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
 
+/// Correlation tracker: takes MosseTrackerData, gives MosseTrackerResult (updater; its state is always NoResult).
+/// @throws std::invalid_argument  `TrackerMode` is neither 0 nor 1
+QUARRY_API void CreateCVMosseTracker(void** handle, MosseTrackerOptions* options);
+
 /// Cosine similarity of two embeddings: takes EmbeddingData, gives CosineOutputData (processor).
 QUARRY_API void CreateCVCosineSimilarity(void** handle, ProcessOptions* options);
 

@@ -79,6 +79,7 @@ const Names kFactories = {
     "CreateCVFastNlMeansDenoisingFilter",
     "CreateCVImageAbsSubtractor",
     "CreateCVLaplacianVarianceProcessor",
+    "CreateCVMosseTracker",
     "CreateCVOpticalFlowLineProcessor",
 };
 

@@ -88,6 +88,10 @@ struct FaceSharpness : Operation<ProcessOptions, FaceVoLInputData, VoLOutputData
     static constexpr const char* kFactory = "CreateCVFaceLaplacianVarianceProcessor";
     static constexpr bool kUpdater = false;
 };
+struct Tracker : Operation<MosseTrackerOptions, MosseTrackerData, MosseTrackerResult> {
+    static constexpr const char* kFactory = "CreateCVMosseTracker";
+    static constexpr bool kUpdater = true;
+};
 struct Similarity : Operation<ProcessOptions, EmbeddingData, CosineOutputData> {
     static constexpr const char* kFactory = "CreateCVCosineSimilarity";
     static constexpr bool kUpdater = false;
@@ -125,7 +129,7 @@ protected:
 };
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Similarity>;
+                                  Tracker, Similarity>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations);
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {

@@ -1,0 +1,205 @@
+#include "Quarry.OpenCV/MosseTracker.h"
+
+#include <array>
+#include <cmath>
+#include <opencv2/imgproc.hpp>
+#include <stdexcept>
+#include <string>
+
+#include "Quarry.OpenCV/PackedFrame.h"
+#include "Quarry.OpenCV/Truncate.h"
+
+namespace {
+
+constexpr double kEps = 1e-5;
+constexpr int kTrainingSamples = 8;
+constexpr double kResponseSigma = 2.0;  // pixels
+
+struct Mode {
+    double learningRate;
+    double psrThreshold;
+};
+
+constexpr std::array kModes = {Mode{0.2, 5.7}, Mode{0.3, 3.0}};
+
+const Mode& ModeOf(const MosseTrackerOptions& options) {
+    if (options.TrackerMode >= kModes.size()) {
+        throw std::invalid_argument("MosseTrackerOptions.TrackerMode is " + std::to_string(options.TrackerMode) +
+                                    "; 0 or 1 is allowed");
+    }
+    return kModes[options.TrackerMode];
+}
+
+cv::Mat Spectrum(const cv::Mat& window) {
+    cv::Mat spectrum;
+    cv::dft(window, spectrum, cv::DFT_COMPLEX_OUTPUT);
+    return spectrum;
+}
+
+/// a times the conjugate of b.
+cv::Mat Correlation(const cv::Mat& a, const cv::Mat& b) {
+    cv::Mat product;
+    cv::mulSpectrums(a, b, product, 0, true);
+    return product;
+}
+
+/// The window around a centre, in grey. Beyond the frame its border pixels are repeated.
+cv::Mat GreyWindow(const cv::Mat& frame, const cv::Size& size, const cv::Point2d& center) {
+    CV_Assert(frame.rows > 0 && frame.cols > 0);  // cv::getRectSubPix reads a border pixel even where there is none
+    cv::Mat window;
+    cv::getRectSubPix(frame, size, cv::Point2f(center), window);
+    if (window.channels() > 1) cv::cvtColor(window, window, cv::COLOR_BGR2GRAY);
+    return window;
+}
+
+/// Spectrum of a narrow peak of height 1 at the window's centre.
+cv::Mat WantedResponse(const cv::Size& size) {
+    cv::Mat response = cv::Mat::zeros(size, CV_32F);
+    response.at<float>(size.height / 2, size.width / 2) = 1.0F;
+    cv::GaussianBlur(response, response, cv::Size(-1, -1), kResponseSigma);
+    double maximum = 0;
+    cv::minMaxLoc(response, nullptr, &maximum);
+    response = response / maximum;
+    return Spectrum(response);
+}
+
+}  // namespace
+
+MosseTracker::MosseTracker(MosseTrackerOptions* source)
+    : Updatable(source), learningRate(ModeOf(options).learningRate), psrThreshold(ModeOf(options).psrThreshold) {}
+
+MosseTracker::~MosseTracker() {
+    delete result;
+}
+
+bool MosseTracker::NeedInitialize(MosseTrackerData /*data*/) {
+    return needInitialize;
+}
+
+void MosseTracker::DoInitialize(MosseTrackerData data) {
+    const PixelRect& rect = data.InitialRect;
+    needInitialize = !initImpl(quarry::PackedFrame(data.Image), cv::Rect2d(rect.X, rect.Y, rect.Width, rect.Height));
+    InitResult();
+}
+
+void MosseTracker::InitResult() {
+    if (result == nullptr) result = new MosseTrackerResult{};
+}
+
+void MosseTracker::DoUpdate(MosseTrackerData data) {
+    found = updateImpl(quarry::PackedFrame(data.Image));
+}
+
+void MosseTracker::AssignResultData() {
+    result->TargetRect = {static_cast<int16_t>(quarry::Truncate(center.x - size.width * 0.5)),
+                          static_cast<int16_t>(quarry::Truncate(center.y - size.height * 0.5)),
+                          static_cast<int16_t>(size.width), static_cast<int16_t>(size.height)};
+    result->Found = found ? 1 : 0;
+}
+
+bool MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect) {
+    size = {cv::getOptimalDFTSize(quarry::Truncate(rect.width)), cv::getOptimalDFTSize(quarry::Truncate(rect.height))};
+    const double left = std::floor((2 * rect.x + rect.width - size.width) * 0.5);
+    const double top = std::floor((2 * rect.y + rect.height - size.height) * 0.5);
+    const int halfWidth = size.width / 2;
+    const int halfHeight = size.height / 2;
+    center = {left + halfWidth, top + halfHeight};
+
+    const cv::Mat window = GreyWindow(frame, size, center);
+    cv::createHanningWindow(hanningWindow, size, CV_32F);
+    G = WantedResponse(size);
+
+    // All samples are alike, so one is warped and transformed; it is added as often as there are samples, since every
+    // addition rounds.
+    cv::Mat sample = randWarp(window);
+    preProcess(sample);
+    const cv::Mat spectrum = Spectrum(sample);
+    const cv::Mat numerator = Correlation(G, spectrum);
+    const cv::Mat denominator = Correlation(spectrum, spectrum);
+    A = cv::Mat::zeros(G.size(), G.type());
+    B = cv::Mat::zeros(G.size(), G.type());
+    for (int i = 0; i < kTrainingSamples; ++i) {
+        cv::add(A, numerator, A);
+        cv::add(B, denominator, B);
+    }
+    H = divDFTs(A, B);
+    return true;
+}
+
+cv::Mat MosseTracker::randWarp(const cv::Mat& window) {
+    cv::Mat_<float> warp(2, 3);
+    warp << 0.990821838F, -0.111482464F, 0.0F,  // nine digits name a float exactly
+        -0.0472080261F, 0.966010690F, 0.0F;
+    const int halfWidth = window.cols / 2;
+    const int halfHeight = window.rows / 2;
+    const cv::Mat_<float> middle =
+        (cv::Mat_<float>(2, 1) << static_cast<float>(halfWidth), static_cast<float>(halfHeight));
+    warp.col(2) = middle - warp.colRange(0, 2) * middle;  // the middle stays where it is
+    cv::Mat warped;
+    cv::warpAffine(window, warped, warp, window.size(), cv::INTER_CUBIC);
+    return warped;
+}
+
+void MosseTracker::preProcess(cv::Mat& window) const {
+    window.convertTo(window, CV_32F);
+    cv::log(window + 1.0, window);
+    cv::Scalar mean;
+    cv::Scalar deviation;
+    cv::meanStdDev(window, mean, deviation);
+    // Two steps: as one expression OpenCV would scale before it shifts, and what that rounds in a plain window, divided
+    // by kEps alone, is large enough to pass for a target.
+    cv::subtract(window, mean, window);
+    cv::divide(window, cv::Scalar(deviation[0] + kEps), window);
+    cv::multiply(window, hanningWindow, window);
+}
+
+double MosseTracker::correlate(const cv::Mat& patch, cv::Point_<int>& delta) const {
+    cv::Mat response;
+    cv::idft(Correlation(Spectrum(patch), H), response, cv::DFT_SCALE | cv::DFT_REAL_OUTPUT);
+    double maximum = 0;
+    cv::Point peak;
+    cv::minMaxLoc(response, nullptr, &maximum, nullptr, &peak);
+    const int halfWidth = response.cols / 2;
+    const int halfHeight = response.rows / 2;
+    delta = {peak.x - halfWidth, peak.y - halfHeight};
+    cv::Scalar mean;
+    cv::Scalar deviation;
+    cv::meanStdDev(response, mean, deviation);
+    return (maximum - mean[0]) / (deviation[0] + kEps);
+}
+
+cv::Mat MosseTracker::divDFTs(const cv::Mat& numerator, const cv::Mat& denominator) {
+    std::array<cv::Mat, 2> a;
+    std::array<cv::Mat, 2> b;
+    cv::split(numerator, a.data());
+    cv::split(denominator, b.data());
+    const cv::Mat squared = b[0].mul(b[0]) + b[1].mul(b[1]);
+    std::array<cv::Mat, 2> quotient;
+    cv::divide(a[0].mul(b[0]) + a[1].mul(b[1]), squared, quotient[0], 1.0);
+    // A sum on purpose, no difference: the filter is defined with it.
+    cv::divide(a[1].mul(b[0]) + a[0].mul(b[1]), squared, quotient[1], -1.0);
+    // OpenCV 3.4 divides by zero to 0, 4.x to what is not a number.
+    for (cv::Mat& part : quotient) part.setTo(0.0, squared == 0.0);
+    cv::Mat merged;
+    cv::merge(quotient.data(), quotient.size(), merged);
+    return merged;
+}
+
+cv::Mat MosseTracker::Patch(const cv::Mat& frame) const {
+    cv::Mat patch = GreyWindow(frame, size, center);
+    preProcess(patch);
+    return patch;
+}
+
+bool MosseTracker::updateImpl(const cv::Mat& frame) {
+    if (H.empty()) return false;
+    cv::Point_<int> delta;
+    const double psr = correlate(Patch(frame), delta);
+    if (psr < psrThreshold) return false;
+    center += cv::Point2d(delta);
+    const cv::Mat spectrum = Spectrum(Patch(frame));
+    A = Correlation(G, spectrum) * learningRate + A * (1 - learningRate);
+    B = Correlation(spectrum, spectrum) * learningRate + B * (1 - learningRate);
+    H = divDFTs(A, B);
+    return true;
+}
