@@ -8,6 +8,9 @@ namespace quarry::host {
 namespace {
 
 const cv::Scalar kTint(40, 120, 255);  // B, G, R: orange
+const cv::Scalar kFound(80, 220, 60);
+const cv::Scalar kLost(50, 50, 235);
+constexpr int kTargetLine = 3;  // pixels
 const cv::Scalar kStrip(32, 28, 26);
 const cv::Scalar kInk(235, 240, 240);
 constexpr double kTintShare = 0.45;
@@ -35,13 +38,34 @@ cv::Mat Mark(const cv::Mat& frame, const cv::Mat& foreground) {
     return picture;
 }
 
-cv::Mat Annotate(const cv::Mat& frame, const cv::Mat& foreground, const std::string& caption) {
-    const int height = frame.rows + frame.rows % 2;
-    cv::Mat picture(height + kStripHeight, frame.cols + frame.cols % 2, CV_8UC3, kStrip);
-    Mark(frame, foreground).copyTo(picture(cv::Rect({0, 0}, frame.size())));
-    cv::putText(picture, caption, {kMargin, height + kStripHeight - kMargin}, cv::FONT_HERSHEY_SIMPLEX,
-                FontScale(caption, picture.cols), kInk, 1, cv::LINE_AA);
+cv::Mat MarkTarget(const cv::Mat& frame, const cv::Rect& target, bool found) {
+    cv::Mat picture = frame.clone();
+    cv::rectangle(picture, target, found ? kFound : kLost, kTargetLine);
     return picture;
+}
+
+cv::Mat MarkFace(const cv::Mat& frame, const FaceEllipse& face) {
+    cv::Mat picture = frame.clone();
+    cv::ellipse(picture, {face.x, face.y}, {face.halfWidth, face.halfHeight}, 0, 0, 360, kTint, 2, cv::LINE_AA);
+    return picture;
+}
+
+void MarkLine(cv::Mat& picture, const RelativeLine& line) {
+    const auto pixel = [&](const cv::Point2f& place) {
+        return cv::Point(cvFloor(place.x * static_cast<float>(picture.cols)),
+                         cvFloor(place.y * static_cast<float>(picture.rows)));
+    };
+    cv::line(picture, pixel(line.start), pixel(line.end), kInk, 2, cv::LINE_AA);
+    cv::circle(picture, pixel(line.start), 5, kInk, cv::FILLED, cv::LINE_AA);
+}
+
+cv::Mat WithCaption(const cv::Mat& picture, const std::string& caption) {
+    const int height = picture.rows + picture.rows % 2;
+    cv::Mat captioned(height + kStripHeight, picture.cols + picture.cols % 2, CV_8UC3, kStrip);
+    picture.copyTo(captioned(cv::Rect({0, 0}, picture.size())));
+    cv::putText(captioned, caption, {kMargin, height + kStripHeight - kMargin}, cv::FONT_HERSHEY_SIMPLEX,
+                FontScale(caption, captioned.cols), kInk, 1, cv::LINE_AA);
+    return captioned;
 }
 
 }  // namespace quarry::host

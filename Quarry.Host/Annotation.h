@@ -3,13 +3,25 @@
 #include <opencv2/core.hpp>
 #include <string>
 
+#include "Operations/Flow.h"
+#include "Operations/Sharpness.h"
+
 namespace quarry::host {
 
 /// The frame with its foreground tinted and outlined.
 cv::Mat Mark(const cv::Mat& frame, const cv::Mat& foreground);
 
-/// The same over a strip with the caption.
+/// The frame with a rectangle: green where the target was found, red where it was not.
+cv::Mat MarkTarget(const cv::Mat& frame, const cv::Rect& target, bool found);
+
+/// The frame with an ellipse around a face.
+cv::Mat MarkFace(const cv::Mat& frame, const FaceEllipse& face);
+
+/// Draws the line into the picture, with a dot at its start.
+void MarkLine(cv::Mat& picture, const RelativeLine& line);
+
+/// The picture over a strip with the caption.
 /// Width and height are even, as video codecs want them.
-cv::Mat Annotate(const cv::Mat& frame, const cv::Mat& foreground, const std::string& caption);
+cv::Mat WithCaption(const cv::Mat& picture, const std::string& caption);
 
 }  // namespace quarry::host

@@ -13,6 +13,7 @@ namespace {
 constexpr const char* kFooter = R"(Examples:
   quarry sharpness *.jpg
   quarry background street.avi --out street-marked.avi
+  quarry track street.avi --rect 310,140,40,90 --out street-tracked.avi
   quarry demo --media media --out demo
 
 `quarry VERB --help` tells more about a verb.
@@ -34,7 +35,8 @@ int Main(int argc, char** argv) {
     app.set_version_flag("--version", "quarry " QUARRY_VERSION);
     app.require_subcommand(0, 1);
     app.footer(kFooter);
-    const std::vector<Verb> verbs = {AddSharpness(app), AddBackground(app), AddDemo(app)};
+    const std::vector<Verb> verbs = {AddSharpness(app),  AddDiff(app),  AddSimilarity(app), AddDenoise(app),
+                                     AddBackground(app), AddTrack(app), AddFlow(app),       AddDemo(app)};
     try {
         app.parse(argc, argv);
         return RunChosen(verbs);
@@ -52,6 +54,8 @@ int Main(int argc, char** argv) {
 }  // namespace
 }  // namespace quarry::host
 
+// What escapes is a lack of memory for the command line or for the error line itself: ending is all that is left.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
     return quarry::host::Main(argc, argv);
 }

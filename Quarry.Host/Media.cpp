@@ -1,7 +1,9 @@
 #include "Media.h"
 
-#include <cmath>
+#include <fstream>
 #include <opencv2/imgcodecs.hpp>
+#include <system_error>
+#include <vector>
 
 #include "Console.h"
 
@@ -11,12 +13,6 @@ namespace {
 /// What a video without a usable rate is taken to have.
 constexpr double kUsualRate = 25;
 constexpr double kHighestRate = 10'000;
-
-void CheckIsFile(const std::filesystem::path& path) {
-    std::error_code ignored;
-    if (!std::filesystem::exists(path, ignored)) throw Failure(path.string() + ": no such file");
-    if (std::filesystem::is_directory(path, ignored)) throw Failure(path.string() + ": is a folder");
-}
 
 /// The readers of files only: left to itself, OpenCV goes on to look for cameras and numbered pictures.
 bool Open(cv::VideoCapture& capture, const std::filesystem::path& path) {
@@ -30,12 +26,36 @@ int DeclaredFrames(const cv::VideoCapture& capture) {
 
 }  // namespace
 
+void CheckIsFile(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(path, ignored)) throw Failure(path.string() + ": no such file");
+    if (std::filesystem::is_directory(path, ignored)) throw Failure(path.string() + ": is a folder");
+}
+
 cv::Mat ReadPicture(const std::filesystem::path& path) {
     CheckIsFile(path);
     const SilencedStderr silence;
     cv::Mat picture = cv::imread(path.string(), cv::IMREAD_COLOR);
     if (picture.empty()) throw Failure(path.string() + ": not a picture that can be read");
     return picture;
+}
+
+TextFile::TextFile(const std::filesystem::path& path_) : path(path_), file(path_) {}
+
+void TextFile::Write(const std::string& text) {
+    std::ofstream stream(file.temporary(), std::ios::binary);
+    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+    stream.close();
+    if (!stream) throw Failure(path.string() + ": cannot be written in full");
+    file.Keep();
+}
+
+PictureFile::PictureFile(const std::filesystem::path& path) : extension(path.extension().string()), file(path) {}
+
+void PictureFile::Write(const cv::Mat& picture) {
+    std::vector<uchar> bytes;
+    cv::imencode(extension, picture, bytes);
+    file.Write({bytes.begin(), bytes.end()});
 }
 
 VideoReader::VideoReader(const std::filesystem::path& path) {

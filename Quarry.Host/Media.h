@@ -5,14 +5,47 @@
 #include <filesystem>
 #include <opencv2/core.hpp>
 #include <opencv2/videoio.hpp>
+#include <string>
 
 #include "OutputFile.h"
 
 namespace quarry::host {
 
+/// @throws Failure  there is no such file
+void CheckIsFile(const std::filesystem::path& path);
+
 /// An 8-bit B, G, R picture, rows packed.
 /// @throws Failure  there is no such file or it is not a picture
 cv::Mat ReadPicture(const std::filesystem::path& path);
+
+/// A text that appears under its name when it is complete.
+class TextFile {
+public:
+    /// @throws Failure  nothing can be written there
+    explicit TextFile(const std::filesystem::path& path);
+
+    /// Once: all there is.
+    void Write(const std::string& text);
+
+private:
+    std::filesystem::path path;
+    OutputFile file;
+};
+
+/// A picture that appears under its name when it is complete.
+class PictureFile {
+public:
+    /// @param path  ends as the pictures of its kind do
+    /// @throws Failure  nothing can be written there
+    explicit PictureFile(const std::filesystem::path& path);
+
+    /// Once.
+    void Write(const cv::Mat& picture);
+
+private:
+    std::string extension;
+    TextFile file;
+};
 
 /// The frames of a video file, in order.
 class VideoReader {

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstddef>
 #include <cstring>
 #include <string>
 #include <system_error>
@@ -18,29 +19,45 @@ namespace {
 
 constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
-/// What a signal that ends the command must remove; empty when there is nothing. Plain bytes: a handler may not
-/// allocate.
-char unfinished[PATH_MAX];
+/// What a signal that ends the command must remove; a free place is empty. Plain bytes: a handler may not allocate.
+constexpr std::size_t kPlaces = 2;
+char unfinished[kPlaces][PATH_MAX];
+
+bool IsFree(std::size_t place) {
+    return unfinished[place][0] == '\0';
+}
 
 void RemoveUnfinishedAndEnd(int signal) {
-    if (unfinished[0] != '\0') unlink(unfinished);
+    for (const char* const name : unfinished) {
+        if (*name != '\0') unlink(name);
+    }
     std::signal(signal, SIG_DFL);
     raise(signal);
 }
 
-void Remember(const std::string& path) {
-    if (path.size() >= sizeof unfinished) return;
-    std::memcpy(unfinished, path.c_str(), path.size() + 1);
+/// Lets a handler have all signals that end the command, but for those that are ignored.
+void HandleEndingSignals(void (*handler)(int)) {
     for (const int signal : kEndingSignals) {
-        if (std::signal(signal, RemoveUnfinishedAndEnd) == SIG_IGN) std::signal(signal, SIG_IGN);
+        if (std::signal(signal, handler) == SIG_IGN) std::signal(signal, SIG_IGN);
     }
 }
 
-void Forget() {
-    for (const int signal : kEndingSignals) {
-        if (std::signal(signal, SIG_DFL) == SIG_IGN) std::signal(signal, SIG_IGN);
+std::size_t Remember(const std::string& path) {
+    std::size_t place = 0;
+    while (place < kPlaces && !IsFree(place)) ++place;
+    if (place == kPlaces || path.size() >= sizeof unfinished[place]) return kPlaces;
+    std::memcpy(unfinished[place], path.c_str(), path.size() + 1);
+    HandleEndingSignals(RemoveUnfinishedAndEnd);
+    return place;
+}
+
+void Forget(std::size_t place) {
+    if (place == kPlaces) return;
+    unfinished[place][0] = '\0';
+    for (std::size_t other = 0; other < kPlaces; ++other) {
+        if (!IsFree(other)) return;
     }
-    unfinished[0] = '\0';
+    HandleEndingSignals(SIG_DFL);
 }
 
 std::string TemporaryName(const std::filesystem::path& name) {
@@ -50,19 +67,19 @@ std::string TemporaryName(const std::filesystem::path& name) {
 }  // namespace
 
 OutputFile::OutputFile(std::filesystem::path name_)
-    : name(std::move(name_)), temporaryName(name.parent_path() / TemporaryName(name)) {
+    : name(std::move(name_)), temporaryName(name.parent_path() / TemporaryName(name)), place(kPlaces) {
     if (std::filesystem::is_directory(name)) throw Failure(name.string() + ": cannot be written: is a folder");
     const int file = open(temporaryName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file < 0) throw Failure(name.string() + ": cannot be written: " + std::strerror(errno));
+    if (file < 0) throw Failure(name.string() + ": cannot be written: " + std::system_category().message(errno));
     close(file);
-    Remember(temporaryName.string());
+    place = Remember(temporaryName.string());
 }
 
 OutputFile::~OutputFile() {
     if (temporaryName.empty()) return;
     std::error_code ignored;
     std::filesystem::remove(temporaryName, ignored);
-    Forget();
+    Forget(place);
 }
 
 void OutputFile::Keep() {
@@ -70,7 +87,7 @@ void OutputFile::Keep() {
     std::filesystem::rename(temporaryName, name, refused);
     if (refused) throw Failure(name.string() + ": cannot be written: " + refused.message());
     temporaryName.clear();
-    Forget();
+    Forget(place);
 }
 
 }  // namespace quarry::host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 
 namespace quarry::host {
@@ -7,7 +8,7 @@ namespace quarry::host {
 /// A file that appears under its name only when it is complete.
 ///
 /// It is written under a temporary name in the same folder, with the same extension. Unless Keep is called it leaves
-/// nothing behind, also when the command is interrupted. One at a time.
+/// nothing behind, also when the command is interrupted. Two at a time.
 class OutputFile {
 public:
     /// @throws Failure  nothing can be written there
@@ -25,6 +26,7 @@ public:
 private:
     std::filesystem::path name;
     std::filesystem::path temporaryName;
+    std::size_t place;  ///< among those that an interruption removes
 };
 
 }  // namespace quarry::host

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -18,7 +20,7 @@ std::string Bar(double share) {
 }
 
 std::string Duration(double seconds) {
-    const auto whole = static_cast<long>(seconds + 0.5);
+    const auto whole = std::lround(seconds);
     char text[32];
     if (whole < 60) {
         std::snprintf(text, sizeof text, "%ld s", whole);
@@ -61,6 +63,29 @@ void Progress::Draw() {
         std::fprintf(stderr, "\r%s  %d %s  %.1f %s/s\033[K", label.c_str(), done, unit.c_str(), rate, unit.c_str());
     }
     std::fflush(stderr);
+}
+
+Waiting::Waiting(const std::string& label) {
+    if (isatty(STDERR_FILENO) == 1) drawer = std::thread([this, label] { Draw(label); });
+}
+
+Waiting::~Waiting() {
+    if (!drawer.joinable()) return;
+    {
+        const std::lock_guard lock(mutex);
+        isOver = true;
+    }
+    ended.notify_one();
+    drawer.join();
+    std::fputs("\r\033[K", stderr);
+}
+
+void Waiting::Draw(const std::string& label) {
+    std::unique_lock lock(mutex);
+    do {
+        std::fprintf(stderr, "\r%s  %s\033[K", label.c_str(), Duration(watch.Seconds()).c_str());
+        std::fflush(stderr);
+    } while (!ended.wait_for(lock, std::chrono::milliseconds(100), [this] { return isOver; }));
 }
 
 }  // namespace quarry::host

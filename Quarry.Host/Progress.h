@@ -1,6 +1,9 @@
 #pragma once
 
+#include <condition_variable>
+#include <mutex>
 #include <string>
+#include <thread>
 
 #include "Timing.h"
 
@@ -36,6 +39,24 @@ private:
     bool drawn = false;
     double lastDrawn = 0;  ///< seconds on the watch
     Stopwatch watch;
+};
+
+/// The same for one long step: a line on stderr with the seconds that have passed.
+class Waiting {
+public:
+    explicit Waiting(const std::string& label);
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+    ~Waiting();
+
+private:
+    void Draw(const std::string& label);
+
+    Stopwatch watch;
+    std::mutex mutex;
+    std::condition_variable ended;
+    bool isOver = false;
+    std::thread drawer;  ///< not there when stderr is not a terminal
 };
 
 }  // namespace quarry::host

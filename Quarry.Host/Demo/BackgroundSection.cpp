@@ -7,7 +7,8 @@
 #include "Demo/Html.h"
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
-#include "Library.h"
+#include "Operations/Background.h"
+#include "Operations/Ticks.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -89,7 +90,7 @@ Plot SharePlot(const Run& run) {
 
 std::string InstantHtml(const Instant& instant, const std::string& letter) {
     const std::string time = Number(instant.seconds, 1) + " s";
-    return "<div class=\"instant\"><h3><span class=\"badge\">" + letter + "</span>" + time + " <span class=\"quiet\">" +
+    return R"(<div class="instant"><h3><span class="badge">)" + letter + "</span>" + time + R"( <span class="quiet">)" +
            (instant.state == Ready ? "learnt" : "learning") + " &middot; foreground " + Number(instant.share * 100, 2) +
            " %</span></h3><div class=\"three\">\n" +
            html::Figure(html::Jpeg(instant.frame, kShownWidth, "Frame at " + time), "frame") +

@@ -16,6 +16,7 @@ namespace {
 constexpr const char* kClipName = "vtest.avi";
 constexpr int kFramesPlayed = 300;
 constexpr std::size_t kPictures = 8;
+constexpr int kBallFrame = 40;  // of the drawn clip, when the ball is well within it
 /// Shown first where they are there: from plainly blurred to richly textured.
 constexpr const char* kPreferred[] = {"building.jpg", "fruits.jpg",       "baboon.jpg",    "home.jpg",
                                       "aloeL.jpg",    "text_defocus.jpg", "butterfly.jpg", "text_motion.jpg"};
@@ -26,6 +27,18 @@ std::function<bool(cv::Mat&)> PlayFile(const std::filesystem::path& path) {
     return [video, played = 0](cv::Mat& frame) mutable { return played++ < kFramesPlayed && video->Read(frame); };
 }
 
+/// What is to be seen in the clip of pedestrians.
+const cv::Size kPedestriansSize(768, 576);
+const ClipTarget kWalkers = {"two walkers", 30, {663, 248, 55, 96}};
+const RelativeLine kAcrossTheRoad = {{0.62F, 0.72F}, {0.62F, 0.2F}};
+
+/// In a clip that nothing is known of: the middle, from the start.
+ClipTarget MiddleOf(const cv::Size& size) {
+    const cv::Size part(std::max(2, size.width / 4), std::max(2, size.height / 4));
+    return {
+        "the middle of the first frame", 0, {{(size.width - part.width) / 2, (size.height - part.height) / 2}, part}};
+}
+
 /// The frames are counted by reading them: what a file declares need not hold.
 std::optional<Clip> RealClip(const std::filesystem::path& path) try {
     VideoReader video(path);
@@ -33,25 +46,41 @@ std::optional<Clip> RealClip(const std::filesystem::path& path) try {
     int frames = 0;
     for (cv::Mat frame; frames < kFramesPlayed && video.Read(frame); ++frames) size = frame.size();
     if (frames == 0) return std::nullopt;
-    const int inAll = std::max(video.frameCount(), frames);
-    return Clip{
-        kClipName, false, size, video.framesPerSecond(), frames, frames < kFramesPlayed ? frames : inAll, [path] {
-            return PlayFile(path);
-        }};
+    const bool pedestrians = size == kPedestriansSize && frames > kWalkers.frame;
+    Clip clip;
+    clip.name = kClipName;
+    clip.size = size;
+    clip.framesPerSecond = video.framesPerSecond();
+    clip.frames = frames;
+    clip.framesInAll = frames < kFramesPlayed ? frames : std::max(video.frameCount(), frames);
+    clip.target = pedestrians ? kWalkers : MiddleOf(size);
+    clip.line = pedestrians ? kAcrossTheRoad : RelativeLine{{0.5F, 0.9F}, {0.5F, 0.1F}};
+    clip.Play = [path] { return PlayFile(path); };
+    return clip;
 } catch (const Failure&) {
     return std::nullopt;
 }
 
 Clip DrawnClip() {
-    return {"drawn scene", true, kSceneSize, kSceneRate, kFramesPlayed, kFramesPlayed, [] {
-                const auto scene = std::make_shared<Scene>();
-                return [scene, played = 0](cv::Mat& frame) mutable {
-                    if (played == kFramesPlayed) return false;
-                    frame = scene->Draw(played / kSceneRate, static_cast<double>(played) / kFramesPlayed);
-                    ++played;
-                    return true;
-                };
-            }};
+    Clip clip;
+    clip.name = "drawn scene";
+    clip.drawn = true;
+    clip.size = kSceneSize;
+    clip.framesPerSecond = kSceneRate;
+    clip.frames = kFramesPlayed;
+    clip.framesInAll = kFramesPlayed;
+    clip.target = {"the spotted ball", kBallFrame, BallAt(kBallFrame / kSceneRate)};
+    clip.line = {{0.5F, 0.95F}, {0.5F, 0.05F}};
+    clip.Play = [] {
+        const auto scene = std::make_shared<Scene>();
+        return [scene, played = 0](cv::Mat& frame) mutable {
+            if (played == kFramesPlayed) return false;
+            frame = scene->Draw(played / kSceneRate, static_cast<double>(played) / kFramesPlayed);
+            ++played;
+            return true;
+        };
+    };
+    return clip;
 }
 
 bool IsPicture(const std::filesystem::path& path) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "Operations/Flow.h"
+
 namespace quarry::host {
 
 struct Picture {
@@ -13,14 +15,24 @@ struct Picture {
     cv::Mat pixels;
 };
 
+/// Something in the clip that is worth following.
+struct ClipTarget {
+    std::string what;
+    int frame;  ///< that shows it first
+    cv::Rect place;
+};
+
 /// A video that every section of the demo plays for itself, from its first frame.
 struct Clip {
     std::string name;
-    bool drawn;  ///< by the demo itself, for want of real footage
+    bool drawn = false;  ///< by the demo itself, for want of real footage
     cv::Size size;
-    double framesPerSecond;
-    int frames;       ///< that are played
-    int framesInAll;  ///< that there are
+    double framesPerSecond = 0;
+    int frames = 0;       ///< that are played
+    int framesInAll = 0;  ///< that there are
+
+    ClipTarget target;
+    RelativeLine line;  ///< that something crosses
 
     /// Starts anew; each call of what it gives fills in the next frame, or says false after the last one.
     std::function<std::function<bool(cv::Mat&)>()> Play;

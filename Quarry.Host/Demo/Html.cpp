@@ -29,6 +29,12 @@ std::string Base64(const std::vector<uint8_t>& bytes) {
     return text;
 }
 
+std::string Address(const cv::Mat& picture, const std::string& format, const std::vector<int>& parameters) {
+    std::vector<uint8_t> bytes;
+    cv::imencode("." + format, picture, bytes, parameters);
+    return "data:image/" + format + ";base64," + Base64(bytes);
+}
+
 std::string Embedded(const cv::Mat& picture, int width, const std::string& alt, const std::string& format,
                      const std::vector<int>& parameters) {
     cv::Mat shown = picture;
@@ -36,10 +42,8 @@ std::string Embedded(const cv::Mat& picture, int width, const std::string& alt, 
         const int height = picture.rows * width / picture.cols;
         cv::resize(picture, shown, {width, height > 0 ? height : 1}, 0, 0, cv::INTER_AREA);
     }
-    std::vector<uint8_t> bytes;
-    cv::imencode("." + format, shown, bytes, parameters);
-    return "<img alt=\"" + Escape(alt) + "\" width=\"" + std::to_string(shown.cols) + "\" height=\"" +
-           std::to_string(shown.rows) + "\" src=\"data:image/" + format + ";base64," + Base64(bytes) + "\">";
+    return "<img" + Attribute("alt", Escape(alt)) + Attribute("width", std::to_string(shown.cols)) +
+           Attribute("height", std::to_string(shown.rows)) + Attribute("src", Address(shown, format, parameters)) + ">";
 }
 
 }  // namespace
@@ -81,12 +85,26 @@ std::string Png(const cv::Mat& picture, int width, const std::string& alt) {
     return Embedded(picture, width, alt, "png", {});
 }
 
+std::string PngAddress(const cv::Mat& picture) {
+    return Address(picture, "png", {});
+}
+
+std::string Attribute(const std::string& name, const std::string& value) {
+    return " " + name + "=\"" + value + "\"";
+}
+
 std::string Figure(const std::string& picture, const std::string& caption) {
     return "<figure>" + picture + "<figcaption>" + caption + "</figcaption></figure>\n";
 }
 
+std::string Time(double milliseconds) {
+    if (milliseconds >= 100) return Number(milliseconds, 0) + "&nbsp;ms";
+    if (milliseconds >= 0.1) return Number(milliseconds, 1) + "&nbsp;ms";
+    return Number(milliseconds * 1000, 1) + "&nbsp;&micro;s";
+}
+
 std::string Fact(const std::string& value, const std::string& meaning) {
-    return "<div class=\"fact\"><b>" + value + "</b><span>" + meaning + "</span></div>\n";
+    return R"(<div class="fact"><b>)" + value + "</b><span>" + meaning + "</span></div>\n";
 }
 
 }  // namespace quarry::host::html

@@ -20,8 +20,17 @@ std::string Jpeg(const cv::Mat& picture, int width, const std::string& alt);
 /// The same without loss. Masks.
 std::string Png(const cv::Mat& picture, int width, const std::string& alt);
 
+/// The picture itself as an address, without loss.
+std::string PngAddress(const cv::Mat& picture);
+
+/// ` name="value"`, for a tag.
+std::string Attribute(const std::string& name, const std::string& value);
+
 /// A picture with a caption; both are HTML.
 std::string Figure(const std::string& picture, const std::string& caption);
+
+/// A time with a fitting unit.
+std::string Time(double milliseconds);
 
 /// A number that catches the eye, over what it means; both are HTML.
 std::string Fact(const std::string& value, const std::string& meaning);

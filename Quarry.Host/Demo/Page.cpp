@@ -52,10 +52,12 @@ a:hover { text-decoration: underline; }
 table { border-collapse: collapse; width: 100%; min-width: 760px; margin-top: 14px; }
 th { text-align: left; font-size: 13px; font-weight: 600; color: var(--quiet); padding: 0 18px 8px 0; }
 td { border-top: 1px solid var(--line); padding: 16px 18px 16px 0; vertical-align: middle; }
+td:last-child .quiet { margin-left: auto; }
 td:last-child, th:last-child { text-align: right; padding-right: 0; white-space: nowrap; }
 td a { font-weight: 650; font-size: 17px; }
 td .quiet { display: block; font-size: 14px; max-width: 22em; }
 td img, td svg { display: block; width: 190px; height: auto; border-radius: 8px; }
+td img { max-height: 142px; object-fit: cover; }
 .time { font-size: 22px; font-weight: 650; font-variant-numeric: tabular-nums; letter-spacing: -0.01em; }
 .facts { display: grid; grid-template-columns: repeat(auto-fit, minmax(210px, 1fr)); gap: 14px; margin: 24px 0 0; }
 .fact { background: var(--page); border-radius: 12px; padding: 14px 18px 15px; }
@@ -67,10 +69,23 @@ td img, td svg { display: block; width: 190px; height: auto; border-radius: 8px;
 figure { margin: 0; min-width: 0; }
 figure img { display: block; width: 100%; height: auto; border-radius: 10px; border: 1px solid var(--line); }
 .four img, .three.cuts img { aspect-ratio: 4 / 3; object-fit: cover; }
+.three + p.quiet, .four + p.quiet { margin-top: 16px; }
 figcaption { font-size: 14px; color: var(--quiet); margin-top: 7px; }
 .pair { display: flex; justify-content: space-between; gap: 10px; }
 .pair span { overflow: hidden; text-overflow: ellipsis; white-space: nowrap; }
 .pair b { color: var(--ink); font-variant-numeric: tabular-nums; }
+.two { display: grid; gap: 16px; grid-template-columns: repeat(2, 1fr); }
+.stack { display: grid; gap: 14px; }
+.legend { display: flex; gap: 24px; align-items: center; margin-top: 22px; }
+.legend .wheel { flex: none; }
+.inset { margin-top: 24px; display: grid; gap: 22px; grid-template-columns: 2fr 1fr; align-items: start; }
+.wheel img { display: block; width: 120px; height: 120px; }
+.matrix { min-width: 0; width: auto; margin: 10px 0 0; border-collapse: separate; border-spacing: 3px; }
+.matrix th { padding: 2px 6px; text-align: center; vertical-align: bottom; font-weight: 400; }
+.matrix th[scope="row"] { text-align: right; white-space: nowrap; vertical-align: middle; }
+.matrix th img { display: block; width: 72px; height: 54px; object-fit: cover; border-radius: 6px; margin: 0 auto; }
+.matrix td, .matrix td:last-child { border: 0; border-radius: 6px; padding: 15px 4px; width: 84px; text-align: center;
+  font-variant-numeric: tabular-nums; background: rgb(214 98 20 / calc(var(--share) * 0.8)); }
 .bar { display: block; height: 5px; border-radius: 3px; background: var(--line); margin-top: 6px; overflow: hidden; }
 .bar i { display: block; height: 100%; border-radius: 3px; background: var(--accent); }
 .badge { background: var(--second); color: var(--card); border-radius: 99px; width: 26px; height: 26px; font-size: 13px;
@@ -85,6 +100,10 @@ svg .name { fill: var(--ink); }
 svg .grid { stroke: var(--line); }
 svg .axis { stroke: var(--quiet); opacity: 0.7; }
 svg .curve { fill: none; stroke: var(--accent); stroke-width: 2; stroke-linejoin: round; }
+svg .curve.second { stroke: var(--second); }
+svg .curvename { fill: var(--accent); font-weight: 600; }
+svg .curvename.second { fill: var(--second); }
+svg .strip { image-rendering: pixelated; }
 svg .under { fill: var(--accent-soft); }
 svg .band { fill: var(--second-soft); }
 svg .bandname { fill: var(--second); font-weight: 600; paint-order: stroke; stroke: var(--card); stroke-width: 4px;
@@ -97,7 +116,7 @@ footer { color: var(--quiet); font-size: 14px; padding-top: 4px; padding-bottom:
   section { padding: 24px 20px; border-radius: 12px; }
   main, header, footer { padding-left: 16px; padding-right: 16px; }
   .four { grid-template-columns: repeat(2, 1fr); }
-  .three { grid-template-columns: 1fr; }
+  .two, .three, .inset { grid-template-columns: 1fr; }
   .three.cuts { grid-template-columns: repeat(2, 1fr); }
   h1 { font-size: 36px; }
 }
@@ -127,7 +146,7 @@ std::string Notice(const Footage& footage) {
     const char* const what = !footage.picturesDrawn ? "The clip is a scene"
                              : footage.clip.drawn   ? "The clip and the pictures are scenes"
                                                     : "The pictures are scenes";
-    return std::string("<p class=\"notice\"><b>No real footage.</b> ") + what +
+    return std::string(R"(<p class="notice"><b>No real footage.</b> )") + what +
            " that this demo drew itself, because the media folder held none that could be read.</p>\n";
 }
 
@@ -145,9 +164,11 @@ std::string Header(const Footage& footage) {
 }
 
 std::string Row(const Section& section) {
-    return "<tr><td><a href=\"#" + section.id + "\">" + section.title + "</a><span class=\"quiet\">" + section.summary +
-           "</span></td><td>" + section.input + "</td><td>" + section.result + "</td><td><span class=\"time\">" +
-           Number(section.milliseconds, 1) + "&nbsp;ms</span></td></tr>\n";
+    const std::string counted = section.counted.empty() ? "" : R"(<span class="quiet">)" + section.counted + "</span>";
+    return "<tr><td><a" + html::Attribute("href", "#" + section.id) + ">" + section.title +
+           R"(</a><span class="quiet">)" + section.summary + "</span></td><td>" + section.input + "</td><td>" +
+           section.result + R"(</td><td><span class="time">)" + html::Time(section.milliseconds) + "</span>" + counted +
+           "</td></tr>\n";
 }
 
 std::string Overview(const std::vector<Section>& sections) {
@@ -155,7 +176,7 @@ std::string Overview(const std::vector<Section>& sections) {
     for (const Section& section : sections) rows += Row(section);
     return "<section id=\"operations\">\n<h2>Operations</h2>\n<div "
            "class=\"scroll\"><table>\n<thead><tr><th>Operation</th>"
-           "<th>Input</th><th>Result</th><th>Time per frame</th></tr></thead>\n<tbody>\n" +
+           "<th>Input</th><th>Result</th><th>Time per frame, median</th></tr></thead>\n<tbody>\n" +
            rows + "</tbody></table></div>\n</section>\n";
 }
 

@@ -11,6 +11,8 @@ constexpr double kStrongestBlur = 3.5;  // pixels, sigma
 /// The shapes come in one after the other, so that the background is seen empty first.
 constexpr double kFirstEntry = 1;      // seconds
 constexpr double kBetweenEntries = 2;  // seconds
+constexpr double kBallCrossing = 6;    // seconds
+constexpr int kBallRadius = 38;        // pixels
 
 /// Noise at several scales, each coarser one stronger, in one colour.
 cv::Mat Texture(cv::Size size, uint64_t seed, const cv::Scalar& colour) {
@@ -36,13 +38,27 @@ int Column(double seconds, double entry, double crossing, int width) {
     return static_cast<int>(share * (width + 2 * kBeyondTheEdge)) - kBeyondTheEdge;
 }
 
+cv::Point BallCentre(double seconds, int width) {
+    return {Column(seconds, kFirstEntry, kBallCrossing, width), 120 + static_cast<int>(12 * std::sin(seconds * 3))};
+}
+
+/// With spots, so that there is something to hold on to when it is followed.
+void DrawBall(cv::Mat& frame, const cv::Point& centre) {
+    const cv::Scalar dark(30, 70, 150);
+    cv::circle(frame, centre, kBallRadius, {60, 200, 250}, cv::FILLED, cv::LINE_AA);
+    cv::circle(frame, centre + cv::Point(-13, -8), 12, dark, cv::FILLED, cv::LINE_AA);
+    cv::circle(frame, centre + cv::Point(14, -16), 7, {240, 250, 255}, cv::FILLED, cv::LINE_AA);
+    cv::circle(frame, centre + cv::Point(10, 14), 15, dark, cv::FILLED, cv::LINE_AA);
+    cv::circle(frame, centre + cv::Point(-15, 19), 6, {240, 250, 255}, cv::FILLED, cv::LINE_AA);
+}
+
 void DrawShapes(cv::Mat& frame, double seconds) {
     const auto column = [&](int number, double crossing) {
         return Column(seconds, kFirstEntry + number * kBetweenEntries, crossing, frame.cols);
     };
     const int bob = static_cast<int>(12 * std::sin(seconds * 3));
 
-    cv::circle(frame, {column(0, 6), 120 + bob}, 38, {60, 200, 250}, cv::FILLED, cv::LINE_AA);
+    DrawBall(frame, BallCentre(seconds, frame.cols));
 
     const int left = frame.cols - column(1, 8) - 35;
     cv::rectangle(frame, cv::Rect(left, 210, 70, 90), {240, 235, 225}, cv::FILLED);
@@ -89,6 +105,11 @@ cv::Mat Scene::Draw(double seconds, double progress) const {
     const double sigma = kStrongestBlur * std::pow(std::sin(progress * CV_PI), 6);
     if (sigma > 0.2) cv::GaussianBlur(frame, frame, {}, sigma);
     return frame;
+}
+
+cv::Rect BallAt(double seconds) {
+    constexpr int kSide = 2 * kBallRadius;
+    return {BallCentre(seconds, kSceneSize.width) - cv::Point(kSide / 2, kSide / 2), cv::Size(kSide, kSide)};
 }
 
 std::vector<Picture> DrawnPictures() {

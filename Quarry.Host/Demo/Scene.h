@@ -22,6 +22,9 @@ private:
     cv::Mat background;
 };
 
+/// What surrounds the ball of the scene, in pixels.
+cv::Rect BallAt(double seconds);
+
 /// Pictures of different sharpness.
 std::vector<Picture> DrawnPictures();
 

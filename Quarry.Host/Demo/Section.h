@@ -11,7 +11,14 @@
 /// In the order of the page: `SECTION(Name)` stands for a function `NameSection`.
 #define QUARRY_DEMO_SECTIONS(SECTION) \
     SECTION(Background)               \
-    SECTION(Sharpness)
+    SECTION(Tracking)                 \
+    SECTION(Flow)                     \
+    SECTION(FlowLine)                 \
+    SECTION(Difference)               \
+    SECTION(Sharpness)                \
+    SECTION(FaceSharpness)            \
+    SECTION(Denoising)                \
+    SECTION(Similarity)
 
 namespace quarry::host {
 
@@ -23,6 +30,7 @@ struct Section {
     std::string input;      ///< what it was run on, for the table
     std::string result;     ///< a picture or plot for the table
     double milliseconds{};  ///< per frame, median
+    std::string counted;    ///< what the time is of, where it is not a frame of the clip: "per pair"
     std::string body;       ///< what follows title and summary
 };
 

@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "Demo/Gallery.h"
 #include "Demo/Html.h"
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
-#include "Library.h"
+#include "Operations/Sharpness.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -19,22 +20,6 @@ using html::Number;
 
 /// Of the Gaussian, in pixels.
 constexpr double kSigmas[] = {8, 4, 2, 1, 0.5, 0};
-/// Pictures are shown pixel by pixel: scaled down, a blurred one looks sharp.
-const cv::Size kCut(340, 255);
-constexpr int kTableWidth = 340;
-
-struct Measured {
-    std::string caption;  ///< HTML
-    std::string alt;
-    cv::Mat cut;
-    float variance;
-};
-
-cv::Mat MiddleOf(const cv::Mat& picture) {
-    const cv::Size size(std::min(kCut.width, picture.cols), std::min(kCut.height, picture.rows));
-    return picture(cv::Rect({(picture.cols - size.width) / 2, (picture.rows - size.height) / 2}, size)).clone();
-}
-
 std::vector<Measured> Blurred(const Picture& picture, SharpnessMeter& meter) {
     std::vector<Measured> series;
     for (const double sigma : kSigmas) {
@@ -49,6 +34,7 @@ std::vector<Measured> Blurred(const Picture& picture, SharpnessMeter& meter) {
 
 std::vector<Measured> FromBlurredToSharp(const std::vector<Picture>& pictures, SharpnessMeter& meter) {
     std::vector<Measured> series;
+    series.reserve(pictures.size());
     for (const Picture& picture : pictures) {
         series.push_back(
             {html::Escape(picture.name), picture.name, MiddleOf(picture.pixels), meter.Measure(picture.pixels)});
@@ -56,21 +42,6 @@ std::vector<Measured> FromBlurredToSharp(const std::vector<Picture>& pictures, S
     std::sort(series.begin(), series.end(),
               [](const auto& left, const auto& right) { return left.variance < right.variance; });
     return series;
-}
-
-/// The pictures in a row, each over a bar as long as its value on a logarithmic scale.
-std::string Gallery(const std::vector<Measured>& series, const char* layout) {
-    constexpr double kLongestBar = 20'000;  // squared grey levels
-    std::string gallery = std::string("<div class=\"") + layout + "\">\n";
-    for (const Measured& one : series) {
-        const double share = std::log(1 + std::max(0.0F, one.variance)) / std::log(1 + kLongestBar);
-        const std::string bar =
-            "<span class=\"bar\"><i style=\"width:" + Number(std::min(1.0, share) * 100, 0) + "%\"></i></span>";
-        gallery += html::Figure(html::Jpeg(one.cut, kCut.width, one.alt),
-                                "<span class=\"pair\"><span>" + one.caption + "</span><b>" +
-                                    Number(one.variance, one.variance < 100 ? 1 : 0) + "</b></span>" + bar);
-    }
-    return gallery + "</div>\n";
 }
 
 /// Sharpness of each frame; `milliseconds` takes what each one took.

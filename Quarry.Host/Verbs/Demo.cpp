@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -10,7 +9,7 @@
 #include "Demo/Footage.h"
 #include "Demo/Page.h"
 #include "Demo/Section.h"
-#include "OutputFile.h"
+#include "Media.h"
 #include "Verbs/Verbs.h"
 
 namespace quarry::host {
@@ -39,12 +38,8 @@ std::string RunAllOperations(const std::filesystem::path& media) {
 int Run(const Options& options) {
     const std::filesystem::path path = std::filesystem::path(options.out) / "report.html";
     MakeFolder(options.out);
-    OutputFile file(path);
-    std::ofstream stream(file.temporary());
-    stream << RunAllOperations(options.media);
-    stream.close();
-    if (!stream) throw Failure(path.string() + ": cannot be written in full");
-    file.Keep();
+    TextFile file(path);
+    file.Write(RunAllOperations(options.media));
     std::cout << path.string() << '\n';
     return kExitFine;
 }

@@ -14,6 +14,11 @@ struct Verb {
 
 Verb AddSharpness(CLI::App& commandLine);
 Verb AddBackground(CLI::App& commandLine);
+Verb AddDiff(CLI::App& commandLine);
+Verb AddSimilarity(CLI::App& commandLine);
+Verb AddDenoise(CLI::App& commandLine);
+Verb AddTrack(CLI::App& commandLine);
+Verb AddFlow(CLI::App& commandLine);
 Verb AddDemo(CLI::App& commandLine);
 
 }  // namespace quarry::host

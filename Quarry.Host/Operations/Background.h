@@ -1,34 +1,11 @@
-/// @file
-/// The library's operations as this host calls them: OpenCV frames in, plain values out.
 #pragma once
 
-#include <Quarry/Quarry.h>
-
 #include <cstdint>
-#include <memory>
 #include <opencv2/core.hpp>
 
+#include "Operations/Handle.h"
+
 namespace quarry::host {
-
-/// A handle of the library, disposed of at its end.
-struct DisposeHandle {
-    void operator()(void* handle) const { Dispose(handle); }
-};
-using Handle = std::unique_ptr<void, DisposeHandle>;
-
-/// Frames per second times this is ticks per frame.
-constexpr double kTicksPerSecond = 10'000'000;
-
-/// The variance of the Laplacian of frames, in squared grey levels.
-class SharpnessMeter {
-public:
-    SharpnessMeter();
-
-    float Measure(const cv::Mat& frame);
-
-private:
-    Handle handle;
-};
 
 /// What the command line may set of the background model.
 struct BackgroundSettings {
@@ -59,9 +36,6 @@ public:
 private:
     Handle handle;
 };
-
-/// The time of a frame by its index, in ticks of 100 ns; never 0, since a clock that stands at 0 has not begun.
-uint64_t TimestampOf(int frame, double framesPerSecond);
 
 /// How the command names a state.
 const char* NameOf(UpdaterState state);

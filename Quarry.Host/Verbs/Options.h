@@ -1,0 +1,42 @@
+/// @file
+/// What the verbs share in reading their options and in writing their lines.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace quarry::host {
+
+/// A number from `low` to `high`.
+CLI::Validator Within(double low, double high);
+
+/// A file name that ends in one of these.
+CLI::Validator EndsIn(const std::vector<std::string>& extensions);
+
+/// The same for pictures that are written.
+CLI::Validator EndsAsPicture();
+
+/// Four whole numbers of 16 bits with commas between them.
+/// @param option  the option that they are the value of, as errors name it
+/// @param form    how they are meant: "X,Y,WIDTH,HEIGHT"
+/// @throws CLI::ValidationError  they are not
+std::array<int, 4> FourWholeNumbers(const std::string& option, const std::string& text, const std::string& form);
+
+/// Four numbers from 0 to 1 with commas between them.
+std::array<float, 4> FourShares(const std::string& option, const std::string& text, const std::string& form);
+
+/// Refuses to write over a file that is read.
+/// @param written  empty: nothing is written
+/// @throws CLI::ValidationError  it is one of the files that are read
+void CheckIsNotAnInput(const std::string& option, const std::string& written, const std::vector<std::string>& read);
+
+/// Text as printf formats it.
+[[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...);
+
+/// The object on a line of its own; what is not UTF-8 in it is replaced.
+std::string JsonLine(const nlohmann::ordered_json& object);
+
+}  // namespace quarry::host

@@ -1,0 +1,199 @@
+#include <cmath>
+#include <opencv2/video/tracking.hpp>
+
+#include "host/CommandFixture.h"
+
+using namespace quarry::test;
+
+namespace {
+
+constexpr int kFrames = 8;
+
+cv::Mat Grey(const cv::Mat& frame) {
+    cv::Mat grey;
+    cv::cvtColor(frame, grey, cv::COLOR_BGR2GRAY);
+    return grey;
+}
+
+/// What the command finds when nothing is set.
+std::vector<cv::Mat> UsualFlow(const std::vector<cv::Mat>& frames) {
+    std::vector<cv::Mat> flow = {cv::Mat(frames.at(0).size(), CV_32FC2, cv::Scalar::all(0))};
+    for (std::size_t i = 1; i < frames.size(); ++i) {
+        cv::Mat motion;
+        cv::calcOpticalFlowFarneback(Grey(frames[i - 1]), Grey(frames[i]), motion, 0.4F, 5, 18, 3, 3, 1.1, 0);
+        flow.push_back(motion);
+    }
+    return flow;
+}
+
+cv::Mat SpeedOf(const cv::Mat& motion) {
+    std::vector<cv::Mat> parts;
+    cv::split(motion, parts);
+    cv::Mat speed;
+    cv::magnitude(parts[0], parts[1], speed);
+    return speed;
+}
+
+class FlowCommand : public QuarryCommand {
+protected:
+    void SetUp() override {
+        QuarryCommand::SetUp();
+        WriteVideo("clip.avi", kFrames);
+    }
+
+    std::vector<json> Flow(const Arguments& more = {}) const {
+        Arguments arguments = {"flow", "clip.avi", "--json"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        EXPECT_EQ(outcome.err, "");
+        return JsonLines(outcome.out);
+    }
+};
+
+TEST_F(FlowCommand, IsTheDenseFlowOfTheGreyFrames) {
+    const std::vector<cv::Mat> expected = UsualFlow(FramesOf(folder / "clip.avi"));
+    const std::vector<json> lines = Flow();
+    ASSERT_EQ(lines.size(), static_cast<std::size_t>(kFrames));
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(lines[i].at("frame"), i);
+        EXPECT_EQ(lines[i].at("timestamp"), (i + 1) * 1'000'000);
+        const cv::Mat speed = SpeedOf(expected[i]);
+        EXPECT_NEAR(lines[i].at("mean").get<double>(), cv::mean(speed)[0], 1e-5) << i;
+        EXPECT_NEAR(lines[i].at("maximum").get<double>(), cv::norm(speed, cv::NORM_INF), 1e-4) << i;
+        EXPECT_GT(lines[i].at("milliseconds").get<double>(), 0);
+        EXPECT_FALSE(lines[i].contains("line"));
+    }
+    EXPECT_GT(lines.back().at("maximum").get<double>(), 1) << "the square moves";
+}
+
+/// On a level line the motion across it is the motion downwards, up to what rounding leaves of it.
+TEST_F(FlowCommand, MotionAcrossALevelLineIsTheVerticalMotion) {
+    const std::vector<cv::Mat> expected = UsualFlow(FramesOf(folder / "clip.avi"));
+    const std::vector<json> lines = Flow({"--line", "0.25,0.5,0.75,0.5", "--values", "49"});
+    ASSERT_EQ(lines.size(), static_cast<std::size_t>(kFrames));
+    int compared = 0;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const json& values = lines[i].at("line");
+        ASSERT_EQ(values.size(), 49U) << "from column 24 to 72";
+        for (int k = 0; k < 49; ++k) {
+            const json& value = values[static_cast<std::size_t>(k)];
+            const auto& motion = expected[i].at<cv::Vec2f>(32, 24 + k);
+            if (value.is_null() || std::abs(motion[1]) < 0.2F) continue;
+            EXPECT_NEAR(value.get<float>(), motion[1], 0.05) << "frame " << i << " value " << k;
+            ++compared;
+        }
+    }
+    EXPECT_GT(compared, 10);
+}
+
+TEST_F(FlowCommand, GivesAsManyValuesAsAreAskedFor) {
+    for (const char* const count : {"1", "7", "200"}) {
+        for (const json& line : Flow({"--line", "0.1,0.9,0.9,0.1", "--values", count})) {
+            EXPECT_EQ(std::to_string(line.at("line").size()), count);
+        }
+    }
+    EXPECT_EQ(Flow({"--line", "0,0,1,1"}).at(0).at("line").size(), 32U);
+}
+
+TEST_F(FlowCommand, DetailAndQualityReachTheCalculator) {
+    const std::vector<cv::Mat> frames = FramesOf(folder / "clip.avi");
+    cv::Mat motion;
+    // Detail 0.6: 27 - 20 x 0.6 = 15 pixels; quality 0.8: eight levels and iterations, Gaussian window.
+    cv::calcOpticalFlowFarneback(Grey(frames[0]), Grey(frames[1]), motion, 0.4F, 8, 15, 8, 3, 1.1,
+                                 cv::OPTFLOW_FARNEBACK_GAUSSIAN);
+    const std::vector<json> lines = Flow({"--detail", "0.6", "--quality", "0.8"});
+    EXPECT_NEAR(lines.at(1).at("mean").get<double>(), cv::mean(SpeedOf(motion))[0], 1e-5);
+}
+
+TEST_F(FlowCommand, WritesAVideoAndAPlotAndNothingElse) {
+    Flow({"--out", "flow.avi", "--line", "0.2,0.2,0.8,0.8", "--plot", "plot.svg"});
+    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi", "flow.avi", "plot.svg"}));
+    const std::vector<cv::Mat> frames = FramesOf(folder / "flow.avi");
+    ASSERT_EQ(frames.size(), static_cast<std::size_t>(kFrames));
+    EXPECT_EQ(frames[0].cols, 96);
+    EXPECT_GT(frames[0].rows, 64) << "the caption stands below the frame";
+    // The square moves to the right: around its edges is red, the colour of that direction.
+    cv::Mat hsv;
+    cv::cvtColor(frames.back()(cv::Rect(0, 0, 60, 64)), hsv, cv::COLOR_BGR2HSV);
+    cv::Mat red;
+    cv::Mat cyan;
+    cv::inRange(hsv, cv::Scalar(0, 120, 80), cv::Scalar(12, 255, 255), red);
+    cv::inRange(hsv, cv::Scalar(80, 120, 80), cv::Scalar(100, 255, 255), cyan);
+    EXPECT_GT(cv::countNonZero(red), 100);
+    EXPECT_LT(cv::countNonZero(cyan), cv::countNonZero(red) / 4);
+
+    const std::string plot = ContentsOf(folder / "plot.svg");
+    EXPECT_EQ(plot.rfind("<svg", 0), 0U);
+    EXPECT_NE(plot.find("time, s"), std::string::npos);
+    EXPECT_NE(plot.find("</svg>"), std::string::npos);
+    EXPECT_EQ(plot.find("nan"), std::string::npos);
+}
+
+TEST_F(FlowCommand, TableHasALinePerFrameAndASummary) {
+    const std::vector<std::string> lines = Lines(Run({"flow", "clip.avi", "--line", "0,0,1,1"}).out);
+    ASSERT_EQ(lines.size(), kFrames + 2U);
+    EXPECT_NE(lines[0].find("across px"), std::string::npos);
+    EXPECT_EQ(lines.back().rfind("8 frames", 0), 0U);
+}
+
+TEST_F(FlowCommand, ShowsItsProgressOnATerminal) {
+    const Outcome shown = RunOnTerminal({"flow", "clip.avi"}, false);
+    EXPECT_EQ(shown.exitCode, 0);
+    EXPECT_NE(shown.err.find("/8"), std::string::npos) << shown.err;
+    EXPECT_NE(shown.err.find("left"), std::string::npos) << shown.err;
+    EXPECT_EQ(shown.err.substr(shown.err.size() - 4), "\r\x1B[K") << "the bar is gone at the end";
+}
+
+TEST_F(FlowCommand, RefusesWrongUsage) {
+    ExpectOneLineError({"flow"}, 2, "VIDEO");
+    const std::vector<std::pair<std::string, Arguments>> refused = {
+        {"--detail", {"-0.1", "1.1", "nan", "fine", ""}},
+        {"--quality", {"-0.1", "1.1", "nan", "best"}},
+        {"--scale", {"0", "-1", "inf"}},
+        {"--line", {"", "0,0,1", "0,0,1,1.1", "-0.1,0,1,1", "0,0,1,nan", "0,0,1,x", "0;0;1;1", "0,0,1,1,"}},
+        {"--values", {"0", "-1", "1.5", "many"}},
+    };
+    for (const auto& [option, values] : refused) {
+        for (const std::string& value : values) {
+            Arguments arguments = {"flow", "clip.avi", option};
+            arguments.back().append("=").append(value);
+            if (option == "--values") arguments.insert(arguments.end(), {"--line", "0,0,1,1"});
+            ExpectOneLineError(arguments, 2, option);
+        }
+    }
+    ExpectOneLineError({"flow", "clip.avi", "--values", "8"}, 2, "--line");
+    ExpectOneLineError({"flow", "clip.avi", "--plot", "plot.svg"}, 2, "--line");
+    ExpectOneLineError({"flow", "clip.avi", "--line", "0,0,1,1", "--plot", "plot.png"}, 2, "--plot");
+    ExpectOneLineError({"flow", "clip.avi", "--out", "clip.avi"}, 2, "--out");
+    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi"}));
+}
+
+TEST_F(FlowCommand, ThatFailsLeavesNothingBehind) {
+    WriteText("text.avi", "not a video");
+    WriteVideo("none.avi", 0);
+    const std::set<std::string> before = FilesIn(folder);
+    for (const char* const name : {"missing.avi", "text.avi", "none.avi"}) {
+        ExpectOneLineError({"flow", name, "--out", "f.avi", "--line", "0,0,1,1", "--plot", "p.svg"}, 1, name);
+        EXPECT_EQ(FilesIn(folder), before) << name;
+    }
+    ExpectOneLineError({"flow", "clip.avi", "--line", "0,0,1,1", "--plot", "nowhere/p.svg"}, 1, "nowhere/p.svg");
+    ExpectOneLineError({"flow", "clip.avi", "--out", "nowhere/f.avi", "--line", "0,0,1,1", "--plot", "p.svg"}, 1,
+                       "nowhere/f.avi");
+    EXPECT_EQ(FilesIn(folder), before);
+}
+
+TEST_F(FlowCommand, InterruptedLeavesNothingBehind) {
+    WriteVideo("long.avi", 200, {320, 240});
+    const std::set<std::string> before = FilesIn(folder);
+    const pid_t child =
+        Start({"flow", "long.avi", "--out", "f.avi", "--line", "0,0,1,1", "--plot", "p.svg"}, "/dev/null", "/dev/null");
+    const auto unfinished = [&] { return FilesIn(folder).size() == before.size() + 2; };
+    for (int wait = 0; wait < 500 && !unfinished(); ++wait) usleep(10'000);
+    EXPECT_TRUE(unfinished()) << "video and plot grow under temporary names";
+    kill(child, SIGTERM);
+    EXPECT_EQ(ExitCodeOf(child), -1);
+    EXPECT_EQ(FilesIn(folder), before);
+}
+
+}  // namespace
