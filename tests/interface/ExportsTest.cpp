@@ -189,8 +189,8 @@ TEST(Exports, AreFoundByName) {
 
 TEST(SharedObject, NamesItsInterfaceVersion) {
     const std::vector<std::string> lines = LinesOf(QUARRY_READELF " -d '" QUARRY_LIBRARY "'");
-    const auto soname = std::find_if(lines.begin(), lines.end(),
-                                     [](const std::string& line) { return line.find("(SONAME)") != line.npos; });
+    const auto soname = std::find_if(
+        lines.begin(), lines.end(), [](const std::string& line) { return line.find("(SONAME)") != std::string::npos; });
     ASSERT_NE(soname, lines.end());
     EXPECT_NE(soname->find("[libQuarry.OpenCV.so.1]"), std::string::npos) << *soname;
 }

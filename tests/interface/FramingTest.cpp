@@ -130,7 +130,7 @@ protected:
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
                                   Tracker, Similarity>;
-TYPED_TEST_SUITE(FramingOfEveryOperation, Operations);
+TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
     using Options = typename TypeParam::Options;

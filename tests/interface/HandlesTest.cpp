@@ -233,6 +233,7 @@ TEST_F(Handles, AreCreatedAndDisposedOfInTwoThreadsAtOnce) {
     library.Dispose(reference);
     std::vector<int> right(2, 0);
     std::vector<std::thread> threads;
+    threads.reserve(right.size());
     for (int& rightInThread : right) {
         threads.emplace_back([&] {
             for (int round = 0; round < 100; ++round) {

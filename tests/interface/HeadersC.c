@@ -12,6 +12,7 @@ typedef void (*Ending)(void*);
 typedef void (*CreatingSharpness)(void**, ProcessOptions*);
 typedef void (*CreatingBackground)(void**, BackgroundOptions*);
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a type cannot stand in parentheses here
 #define HAS_TYPE(function, type) _Static_assert(_Generic(&(function), type : 1, default : 0), #function)
 HAS_TYPE(Process, Processing);
 HAS_TYPE(DisposeResult, Disposing);

@@ -30,6 +30,7 @@ static struct {
     void (*Dispose)(void*);
 } quarry;
 
+// NOLINTBEGIN(concurrency-mt-unsafe): this host has one thread
 static void Find(void* library, const char* name, void* function) {
     void* const address = dlsym(library, name);
     if (address == NULL) {
@@ -53,6 +54,11 @@ static void Load(const char* path) {
     Find(library, "GetUpdateResult", &quarry.GetUpdateResult);
     Find(library, "Dispose", &quarry.Dispose);
 }
+// NOLINTEND(concurrency-mt-unsafe)
+
+static uint8_t* PixelAt(uint8_t* pixels, int x, int y) {
+    return pixels + ((size_t)y * kWidth + (size_t)x) * kChannels;
+}
 
 /* A grey gradient, and a bright square at (left, top) when there is room for it. */
 static void Draw(uint8_t* pixels, int left, int top) {
@@ -60,7 +66,7 @@ static void Draw(uint8_t* pixels, int left, int top) {
         for (int x = 0; x < kWidth; ++x) {
             const int inside = x >= left && x < left + kSquare && y >= top && y < top + kSquare;
             const int level = inside ? 250 : 20 + 2 * x + y;
-            memset(pixels + (y * kWidth + x) * kChannels, level, kChannels);
+            memset(PixelAt(pixels, x, y), level, kChannels);
         }
     }
 }
@@ -70,12 +76,12 @@ static int Mirrored(int index, int size) {
     return index < 0 ? -index : index >= size ? 2 * size - 2 - index : index;
 }
 
-static double LevelAt(const uint8_t* pixels, int x, int y) {
-    return pixels[(Mirrored(y, kHeight) * kWidth + Mirrored(x, kWidth)) * kChannels];
+static double LevelAt(uint8_t* pixels, int x, int y) {
+    return *PixelAt(pixels, Mirrored(x, kWidth), Mirrored(y, kHeight));
 }
 
 /* Variance of the sum of the second differences of a grey frame. */
-static double VarianceOfLaplacian(const uint8_t* pixels) {
+static double VarianceOfLaplacian(uint8_t* pixels) {
     double sum = 0;
     double squares = 0;
     for (int y = 0; y < kHeight; ++y) {

@@ -30,7 +30,7 @@ private:
 
     template <class Function>
     Function* Required(const char* name) const {
-        Function* const function = Find<Function>(name);
+        auto* const function = Find<Function>(name);
         if (function == nullptr) throw std::runtime_error(std::string("the shared object lacks ") + name);
         return function;
     }
