@@ -4,12 +4,12 @@
 
 #include "Quarry/SharedRecords.h"
 
-/// How fine the flow is.
+/// How fine the flow is. A value outside 0..1, or one that is not a number, leaves the default in place.
 typedef struct OFCOptions {
     uint32_t Header;
-    float Detail;       ///< 0..1: larger values give a smaller averaging window
+    float Detail;       ///< 0..1: larger values give a smaller averaging window (27 to 7 pixels; 18 by default)
     uint32_t Reserved;  ///< not read
-    float Quality;      ///< 0..1: pyramid levels, iterations and the Gaussian window
+    float Quality;      ///< 0..1: pyramid levels and iterations (0 to 10 each; 5 and 3 by default)
 } OFCOptions;
 
 QUARRY_LAYOUT_SIZE(OFCOptions, 16);
