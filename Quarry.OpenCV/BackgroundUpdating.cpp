@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr int kChannels = 3;
 constexpr uint64_t kTicksPerSecond = 10'000'000;
 constexpr uint8_t kForeground = 255;
 /// Grey levels at sensitivity 0 and 0.5.
@@ -40,7 +39,7 @@ bool BackgroundUpdatingSystem::NeedInitialize(BackgroundData data) {
 
 void BackgroundUpdatingSystem::DoInitialize(BackgroundData data) {
     quarry::CheckRoomForPackedFrame("BackgroundData.Image", data.Image.width, data.Image.height,
-                                    quarry::Product(data.Image.width, kChannels));
+                                    quarry::Product(data.Image.width, quarry::kFrameChannels));
     ReleaseBuffers();
     DestroyBackgroundResult(result);
     frame = cv::Mat();
@@ -67,7 +66,7 @@ void BackgroundUpdatingSystem::DoInitialize(BackgroundData data) {
 }
 
 void BackgroundUpdatingSystem::InitResult() {
-    result = CreateBackgroundResult(width, height, quarry::Product(width, kChannels), 0);
+    result = CreateBackgroundResult(width, height, quarry::Product(width, quarry::kFrameChannels), 0);
 }
 
 void BackgroundUpdatingSystem::InitBuffers() {

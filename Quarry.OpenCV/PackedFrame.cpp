@@ -9,10 +9,10 @@ namespace quarry {
 
 void CheckRoomForPackedFrame(const char* field, int width, int height, int stride) {
     if (width <= 0 || height <= 0) return;
-    constexpr int64_t kChannels = 3;
-    if (stride < kChannels * width) {
+    const int64_t packed = int64_t{width} * kFrameChannels;
+    if (stride < packed) {
         throw std::invalid_argument(std::string(field) + ".stride is " + std::to_string(stride) +
-                                    "; at least width x 3 = " + std::to_string(kChannels * width) + " is needed");
+                                    "; at least width x 3 = " + std::to_string(packed) + " is needed");
     }
     if (WrapsUnnoticed(height, stride)) {
         throw std::invalid_argument(std::string(field) + ": height " + std::to_string(height) + " x stride " +

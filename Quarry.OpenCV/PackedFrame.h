@@ -8,11 +8,12 @@
 
 namespace quarry {
 
+constexpr int kFrameChannels = 3;
+
 /// A header over `height * width` packed 8-bit pixels of three channels: no copy, nothing owned.
 /// @throws cv::Exception  `data` is null while the size is not empty
 inline cv::Mat PackedFrame(uint8_t* data, int width, int height) {
-    constexpr std::size_t kChannels = 3;
-    return cv::Mat(height, width, CV_8UC3, data, static_cast<std::size_t>(width) * kChannels);
+    return cv::Mat(height, width, CV_8UC3, data, static_cast<std::size_t>(width) * kFrameChannels);
 }
 
 /// The pixels of an image, taken as packed: its stride is not consulted.
