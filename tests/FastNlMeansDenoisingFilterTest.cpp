@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -83,11 +82,6 @@ cv::Mat Reference(const cv::Mat& frame) {
 
 bool StartsWith(const uint8_t* bytes, const cv::Mat& expected) {
     return std::memcmp(bytes, expected.data, expected.total() * expected.elemSize()) == 0;
-}
-
-/// How many of the bytes nobody has written into since they were allocated.
-int CountFresh(const uint8_t* bytes, int count) {
-    return static_cast<int>(std::count(bytes, bytes + count, kFreshByte));
 }
 
 /// A smooth scene under noise that the filter's strength is made for.

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -87,11 +86,6 @@ std::vector<uint8_t> Reference(const cv::Mat& a, const cv::Mat& b) {
 
 bool StartsWith(const uint8_t* bytes, const std::vector<uint8_t>& expected) {
     return expected.empty() || std::memcmp(bytes, expected.data(), expected.size()) == 0;
-}
-
-/// How many of the bytes nobody has written into since they were allocated.
-int CountFresh(const uint8_t* bytes, int count) {
-    return static_cast<int>(std::count(bytes, bytes + count, kFreshByte));
 }
 
 TEST_F(ImageSubtractor, IsTheDifferenceOfEveryByteForFramesOfAnySize) {

@@ -64,6 +64,10 @@ void operator delete[](void* block, std::size_t /*size*/) noexcept {
 
 namespace quarry::test {
 
+int CountFresh(const unsigned char* bytes, int count) {
+    return static_cast<int>(std::count(bytes, bytes + count, kFreshByte));
+}
+
 std::size_t LiveBlocks() {
     return liveBlocks;
 }

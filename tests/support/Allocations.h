@@ -10,6 +10,9 @@ namespace quarry::test {
 
 constexpr unsigned char kFreshByte = 0xCD;
 
+/// How many of the bytes nobody has written into since they were allocated.
+int CountFresh(const unsigned char* bytes, int count);
+
 /// Blocks that were given out and have not been taken back.
 std::size_t LiveBlocks();
 
