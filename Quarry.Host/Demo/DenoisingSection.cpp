@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "Demo/Gallery.h"
 #include "Demo/Html.h"
 #include "Demo/Section.h"
 #include "Operations/Denoising.h"
@@ -16,7 +17,7 @@ using html::Number;
 
 constexpr double kNoise = 12;  // standard deviation, grey levels
 constexpr std::size_t kPictures = 3;
-const cv::Size kCut(320, 240);
+const cv::Size kShown(320, 240);
 constexpr int kTableWidth = 320;
 
 struct Denoised {
@@ -24,11 +25,6 @@ struct Denoised {
     cv::Mat clean, noisy, denoised;
     double milliseconds;
 };
-
-cv::Mat MiddleOf(const cv::Mat& picture) {
-    const cv::Size size(std::min(kCut.width, picture.cols), std::min(kCut.height, picture.rows));
-    return picture(cv::Rect({(picture.cols - size.width) / 2, (picture.rows - size.height) / 2}, size)).clone();
-}
 
 cv::Mat WithNoise(const cv::Mat& picture) {
     cv::RNG random(1);
@@ -45,7 +41,7 @@ std::vector<Denoised> DenoiseSome(const std::vector<Picture>& pictures) {
     Denoiser denoiser;
     Progress progress("denoising", "pictures", static_cast<int>(count));
     for (std::size_t i = 0; i < count; ++i) {
-        const cv::Mat clean = MiddleOf(pictures[i].pixels);
+        const cv::Mat clean = MiddleOf(pictures[i].pixels, kShown);
         const cv::Mat noisy = WithNoise(clean);
         const Stopwatch watch;
         const cv::Mat denoised = denoiser.Denoise(noisy);
@@ -57,14 +53,14 @@ std::vector<Denoised> DenoiseSome(const std::vector<Picture>& pictures) {
 
 std::string Labelled(const cv::Mat& picture, const std::string& what, const Denoised& one) {
     const std::string psnr = Number(cv::PSNR(one.clean, picture), 1) + "&nbsp;dB";
-    return html::Figure(html::Png(picture, kCut.width, one.name + ", " + what),
+    return html::Figure(html::Png(picture, kShown.width, one.name + ", " + what),
                         R"(<span class="pair"><span>)" + what + "</span><b>" + psnr + "</b></span>");
 }
 
 std::string Triple(const Denoised& one) {
     return "<h3>" + html::Escape(one.name) + "</h3>\n" + R"(<div class="three">)" + Labelled(one.noisy, "noisy", one) +
            Labelled(one.denoised, "denoised", one) +
-           html::Figure(html::Png(one.clean, kCut.width, one.name), "before the noise was added") + "</div>\n";
+           html::Figure(html::Png(one.clean, kShown.width, one.name), "before the noise was added") + "</div>\n";
 }
 
 }  // namespace

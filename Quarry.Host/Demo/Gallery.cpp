@@ -10,7 +10,6 @@ namespace {
 
 using html::Number;
 
-const cv::Size kCut(340, 255);
 constexpr double kLongestBar = 20'000;  // squared grey levels
 
 std::string Bar(float variance) {
@@ -32,9 +31,9 @@ std::string Gallery(const std::vector<Measured>& series, const std::string& layo
     return gallery + "</div>\n";
 }
 
-cv::Mat MiddleOf(const cv::Mat& picture) {
-    const cv::Size size(std::min(kCut.width, picture.cols), std::min(kCut.height, picture.rows));
-    return picture(cv::Rect({(picture.cols - size.width) / 2, (picture.rows - size.height) / 2}, size)).clone();
+cv::Mat MiddleOf(const cv::Mat& picture, const cv::Size& size) {
+    const cv::Size cut(std::min(size.width, picture.cols), std::min(size.height, picture.rows));
+    return picture(cv::Rect({(picture.cols - cut.width) / 2, (picture.rows - cut.height) / 2}, cut)).clone();
 }
 
 }  // namespace quarry::host

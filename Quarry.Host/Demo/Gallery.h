@@ -18,7 +18,10 @@ struct Measured {
 /// @param layout  the style of the row: "three", "four"
 std::string Gallery(const std::vector<Measured>& series, const std::string& layout);
 
-/// The middle of a picture, as much as is shown pixel by pixel: scaled down, a blurred one looks sharp.
-cv::Mat MiddleOf(const cv::Mat& picture);
+/// Of a picture in a gallery, as much as is shown pixel by pixel: scaled down, a blurred one looks sharp.
+inline const cv::Size kCut(340, 255);
+
+/// The middle of a picture, of this size where it is as large.
+cv::Mat MiddleOf(const cv::Mat& picture, const cv::Size& size);
 
 }  // namespace quarry::host

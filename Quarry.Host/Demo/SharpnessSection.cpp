@@ -27,7 +27,7 @@ std::vector<Measured> Blurred(const Picture& picture, SharpnessMeter& meter) {
         if (sigma > 0) cv::GaussianBlur(pixels, pixels, {}, sigma);
         const std::string name = sigma > 0 ? "&sigma; = " + Number(sigma, sigma < 1 ? 1 : 0) + "&nbsp;px" : "as it is";
         const std::string alt = picture.name + (sigma > 0 ? ", blurred" : "");
-        series.push_back({name, alt, MiddleOf(pixels), meter.Measure(pixels)});
+        series.push_back({name, alt, MiddleOf(pixels, kCut), meter.Measure(pixels)});
     }
     return series;
 }
@@ -37,7 +37,7 @@ std::vector<Measured> FromBlurredToSharp(const std::vector<Picture>& pictures, S
     series.reserve(pictures.size());
     for (const Picture& picture : pictures) {
         series.push_back(
-            {html::Escape(picture.name), picture.name, MiddleOf(picture.pixels), meter.Measure(picture.pixels)});
+            {html::Escape(picture.name), picture.name, MiddleOf(picture.pixels, kCut), meter.Measure(picture.pixels)});
     }
     std::sort(series.begin(), series.end(),
               [](const auto& left, const auto& right) { return left.variance < right.variance; });

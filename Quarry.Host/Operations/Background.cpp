@@ -11,8 +11,7 @@ BackgroundModel::BackgroundModel(const BackgroundSettings& settings)
 
 BackgroundView BackgroundModel::Take(const cv::Mat& frame, uint64_t timestamp) {
     const Stopwatch watch;
-    UpdaterState state = NoResult;
-    const auto result = Updated<BackgroundResult>(handle, BackgroundData{0, ImageOf(frame, timestamp), 0}, state);
+    const auto [state, result] = Feed<BackgroundResult>(handle, BackgroundData{0, ImageOf(frame, timestamp), 0});
     const double milliseconds = watch.Milliseconds();
 
     const cv::Mat foreground(frame.size(), CV_8UC1, result.ForegroundMask);

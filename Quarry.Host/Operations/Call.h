@@ -60,15 +60,20 @@ private:
     Framed<Result> result;
 };
 
-/// Feeds an updater and reads its result, whose buffers stay the updater's until its next update or its end.
-/// @param state  takes the updater's state
+/// What an updater makes of a frame; the result's buffers stay the updater's until its next update or its end.
+template <typename Result>
+struct Updated {
+    UpdaterState state;
+    Result result;
+};
+
 template <typename Result, typename Input>
-Result Updated(const Handle& handle, const Input& input, UpdaterState& state) {
+Updated<Result> Feed(const Handle& handle, const Input& input) {
     Framed<Input> framed(input, QUARRY_INPUT_TAG);
     Framed<Result> result({}, QUARRY_RESULT_TAG);
-    state = static_cast<UpdaterState>(Update(handle.get(), framed.template As<UpdateData>()));
+    const int32_t state = Update(handle.get(), framed.template As<UpdateData>());
     GetUpdateResult(handle.get(), result.template As<UpdateResult>());
-    return result.record();
+    return {static_cast<UpdaterState>(state), result.record()};
 }
 
 /// A packed 8-bit frame of three channels as the library takes it.

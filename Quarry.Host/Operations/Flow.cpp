@@ -20,10 +20,9 @@ FlowCalculator::FlowCalculator(const FlowSettings& settings)
 FlowView FlowCalculator::Take(const cv::Mat& frame) {
     cv::cvtColor(frame, redFirst, cv::COLOR_BGR2RGB);
     const Stopwatch watch;
-    UpdaterState state = NoResult;
-    const auto result = Updated<OFCResult>(handle, OFCData{0, ImageOf(redFirst)}, state);
+    const OFCResult result = Feed<OFCResult>(handle, OFCData{0, ImageOf(redFirst)}).result;
     const double milliseconds = watch.Milliseconds();
-    return {state, cv::Mat(frame.size(), CV_32FC2, result.FlowMatrix->data), milliseconds};
+    return {cv::Mat(frame.size(), CV_32FC2, result.FlowMatrix->data), milliseconds};
 }
 
 FlowLineMeter::FlowLineMeter() : handle(Create(CreateCVOpticalFlowLineProcessor, OFLineOptions{})) {}

@@ -16,7 +16,6 @@ struct FlowSettings {
 
 /// How the last frame moved. The field is the calculator's own: valid until its next Take or its end.
 struct FlowView {
-    UpdaterState state;   ///< Ready from the second frame on
     cv::Mat motion;       ///< two floats per pixel: pixels to the right and down since the previous frame
     double milliseconds;  ///< that the library took for this frame
 };

@@ -12,8 +12,7 @@ Tracker::Tracker(uint32_t mode, const cv::Rect& target)
 
 TrackView Tracker::Take(const cv::Mat& frame) {
     const Stopwatch watch;
-    UpdaterState state = NoResult;
-    const auto result = Updated<MosseTrackerResult>(handle, MosseTrackerData{0, ImageOf(frame), initial}, state);
+    const auto result = Feed<MosseTrackerResult>(handle, MosseTrackerData{0, ImageOf(frame), initial}).result;
     const double milliseconds = watch.Milliseconds();
     const PixelRect& rect = result.TargetRect;
     return {cv::Rect(rect.X, rect.Y, rect.Width, rect.Height), result.Found == 1, milliseconds};
