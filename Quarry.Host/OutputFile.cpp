@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -46,7 +47,10 @@ std::size_t Remember(const std::string& path) {
     std::size_t place = 0;
     while (place < kPlaces && !IsFree(place)) ++place;
     if (place == kPlaces || path.size() >= sizeof unfinished[place]) return kPlaces;
-    std::memcpy(unfinished[place], path.c_str(), path.size() + 1);
+    // The first byte last: until it is there, the place is free for a handler that comes in between.
+    std::memcpy(unfinished[place] + 1, path.c_str() + 1, path.size());
+    std::atomic_signal_fence(std::memory_order_release);
+    unfinished[place][0] = path[0];
     HandleEndingSignals(RemoveUnfinishedAndEnd);
     return place;
 }
@@ -69,10 +73,14 @@ std::string TemporaryName(const std::filesystem::path& name) {
 OutputFile::OutputFile(std::filesystem::path name_)
     : name(std::move(name_)), temporaryName(name.parent_path() / TemporaryName(name)), place(kPlaces) {
     if (std::filesystem::is_directory(name)) throw Failure(name.string() + ": cannot be written: is a folder");
+    place = Remember(temporaryName.string());  // before the file is there, or an interruption in between would leave it
     const int file = open(temporaryName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file < 0) throw Failure(name.string() + ": cannot be written: " + std::system_category().message(errno));
+    if (file < 0) {
+        const int reason = errno;
+        Forget(place);
+        throw Failure(name.string() + ": cannot be written: " + std::system_category().message(reason));
+    }
     close(file);
-    place = Remember(temporaryName.string());
 }
 
 OutputFile::~OutputFile() {
