@@ -1,18 +1,12 @@
 #include "Quarry.OpenCV/CosineSimilarity.h"
 
 #include <cmath>
-#include <stdexcept>
-#include <string>
+
+#include "Quarry.OpenCV/CheckArray.h"
 
 namespace {
 
 constexpr int kLength = 512;
-
-void CheckEmbedding(const char* field, const float* values) {
-    if (values == nullptr) {
-        throw std::invalid_argument(std::string("EmbeddingData.") + field + " is null; 512 values are needed");
-    }
-}
 
 float Dot(const float* a, const float* b) {
     float sum = 0;
@@ -35,8 +29,8 @@ double Norm(const float* v) {
 }  // namespace
 
 CosineOutputData CosineSimilarity::DoProcess(EmbeddingData data) {
-    CheckEmbedding("FirstEmbedding", data.FirstEmbedding);
-    CheckEmbedding("SecondEmbedding", data.SecondEmbedding);
+    quarry::CheckArray("EmbeddingData.FirstEmbedding", data.FirstEmbedding, kLength, "values");
+    quarry::CheckArray("EmbeddingData.SecondEmbedding", data.SecondEmbedding, kLength, "values");
     const double dot = Dot(data.FirstEmbedding, data.SecondEmbedding);
     return {0, dot / (Norm(data.FirstEmbedding) * Norm(data.SecondEmbedding))};
 }

@@ -10,8 +10,7 @@
 /// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
 /// @throws cv::Exception          a `data` is null while the frame is not empty
 /// @throws std::invalid_argument  the first frame's size is negative, or its `stride` leaves no room for the packed
-/// rows
-///                                of the result
+///                                rows of the result
 class ImageSubtractor : public BinaryProcessor {
 public:
     using BinaryProcessor::BinaryProcessor;

@@ -9,16 +9,11 @@
 
 #include "Quarry.OpenCV/CVHelper.h"
 #include "Quarry.OpenCV/PendingResult.h"
+#include "Quarry.OpenCV/PixelOf.h"
 #include "Quarry.OpenCV/Truncate.h"
 #include "Quarry/Memory.h"
 
 namespace {
-
-/// A place relative to the field, in pixels of it.
-cv::Point PixelOf(float x, float y, const AbsVectorMatrix& field) {
-    return {quarry::Truncate(x * static_cast<float>(field.width)),
-            quarry::Truncate(y * static_cast<float>(field.height))};
-}
 
 int RoundHalfUp(float value) {
     return quarry::Truncate(std::floor(static_cast<double>(value) + 0.5));
@@ -37,8 +32,8 @@ OFLineResult OpticalFlowLineProcessor::DoProcess(OFLineData data) {
 
     const cv::Mat flow(field->height, field->width, CV_32FC2, field->data,
                        static_cast<std::size_t>(field->width) * sizeof(AbsVector));
-    const cv::Point start = PixelOf(data.LineStartX, data.LineStartY, *field);
-    const cv::Point end = PixelOf(data.LineEndX, data.LineEndY, *field);
+    const cv::Point start = quarry::PixelOf({data.LineStartX, data.LineStartY}, field->width, field->height);
+    const cv::Point end = quarry::PixelOf({data.LineEndX, data.LineEndY}, field->width, field->height);
     const cv::LineIterator line(flow, start, end, 8, false);
     if (line.count > 0) {
         CopyBufferToResult(CVHelper::GetVectorProjectionOntoNormal(flow, start, end, line), result->Values,

@@ -1,5 +1,6 @@
 #include "Quarry.OpenCV/PackedFrame.h"
 
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -7,14 +8,20 @@
 
 namespace quarry {
 
-void CheckRoomForPackedFrame(const char* field, int width, int height, int stride) {
+void CheckFrameSize(const char* field, int width, int height) {
+    if (width >= 0 && height >= 0) return;
+    throw std::invalid_argument(std::string(field) + ": " + std::to_string(width) + " x " + std::to_string(height) +
+                                " pixels; neither may be negative");
+}
+
+void CheckRoomForPackedFrame(const char* field, int width, int height, int64_t stride) {
     if (width <= 0 || height <= 0) return;
     const int64_t packed = int64_t{width} * kFrameChannels;
     if (stride < packed) {
         throw std::invalid_argument(std::string(field) + ".stride is " + std::to_string(stride) +
                                     "; at least width x 3 = " + std::to_string(packed) + " is needed");
     }
-    if (WrapsUnnoticed(height, stride)) {
+    if (stride > std::numeric_limits<int32_t>::max() || WrapsUnnoticed(height, static_cast<int32_t>(stride))) {
         throw std::invalid_argument(std::string(field) + ": height " + std::to_string(height) + " x stride " +
                                     std::to_string(stride) + "; at most 2147483647 is allowed");
     }
