@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
+#include "Quarry.OpenCV/CVContourProcessor.h"
 #include "Quarry.OpenCV/CVCosineSimilarity.h"
 #include "Quarry.OpenCV/CVDenseOpticalFlowUpdater.h"
 #include "Quarry.OpenCV/CVFaceLaplacianVarianceProcessor.h"
@@ -27,6 +28,10 @@ extern "C" {
 
 void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* options) {
     Create<CVImageAbsSubtractor>(handle, options);
+}
+
+void CreateCVContourCalculator(void** handle, ContourCalcingOptions* options) {
+    Create<CVContourProcessor>(handle, options);
 }
 
 void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {

@@ -3,9 +3,8 @@
 ///
 /// Conventions that every function here follows:
 ///
-/// 1. **Handles are opaque.** A factory writes one to `*handle` when everything has succeeded and leaves `*handle` as
-/// it
-///    was otherwise; `Dispose` ends it. To start over, dispose of it and create another.
+/// 1. **Handles are opaque.** A factory writes one to `*handle` when everything has succeeded and leaves `*handle`
+///    as it was otherwise; `Dispose` ends it. To start over, dispose of it and create another.
 /// 2. **One thread per handle** at a time. Distinct handles share nothing and may run side by side.
 /// 3. **A record is framed** by a length word before it and a tag after it (Framing.h). Only its address is passed, and
 ///    the library keeps neither options nor input records after the call.
@@ -87,6 +86,9 @@ QUARRY_API void Dispose(void* handle);
 
 /// Absolute difference of two frames: takes BinaryImageOperationData, gives ImageOperationResult (processor).
 QUARRY_API void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* options);
+
+/// Contour of an object: takes ContourCalcingInputData, gives ContourResult (processor).
+QUARRY_API void CreateCVContourCalculator(void** handle, ContourCalcingOptions* options);
 
 /// Background model: takes BackgroundData, gives BackgroundResult (updater).
 QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* options);

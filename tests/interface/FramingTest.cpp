@@ -96,6 +96,15 @@ struct Similarity : Operation<ProcessOptions, EmbeddingData, CosineOutputData> {
     static constexpr const char* kFactory = "CreateCVCosineSimilarity";
     static constexpr bool kUpdater = false;
 };
+struct ObjectContour : Operation<ContourCalcingOptions, ContourCalcingInputData, ContourResult> {
+    static constexpr const char* kFactory = "CreateCVContourCalculator";
+    static constexpr bool kUpdater = false;
+};
+struct ShapeRate
+    : Operation<ContourRateMeasuringOptions, ContourRateMeasuringInputData, ContourRateMeasuringOutputData> {
+    static constexpr const char* kFactory = "CreateCVContourRateCalculator";
+    static constexpr bool kUpdater = false;
+};
 
 template <class Kind>
 class FramingOfEveryOperation : public Framing {
@@ -129,7 +138,7 @@ protected:
 };
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity>;
+                                  Tracker, Similarity, ObjectContour>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {

@@ -1,0 +1,451 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <opencv2/imgproc.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Quarry/Quarry.h"
+#include "support/Allocations.h"
+#include "support/Footage.h"
+#include "support/Framed.h"
+
+namespace {
+
+using namespace quarry::test;
+
+constexpr RelRect kEverything{0.0F, 0.0F, 1.0F, 1.0F};
+
+Mask MaskOf(const cv::Mat& mask) {
+    CV_Assert(mask.isContinuous());
+    return {mask.data, mask.cols, mask.rows};
+}
+
+/// A rectangle that truncates to these pixels of a frame.
+RelRect Around(const cv::Rect& rect, const cv::Size& frame) {
+    const auto width = static_cast<float>(frame.width);
+    const auto height = static_cast<float>(frame.height);
+    return {(static_cast<float>(rect.x) + 0.5F) / width, (static_cast<float>(rect.y) + 0.5F) / height,
+            (static_cast<float>(rect.width) + 0.5F) / width, (static_cast<float>(rect.height) + 0.5F) / height};
+}
+
+cv::Mat MaskWith(const cv::Size& size, const cv::Rect& object) {
+    cv::Mat mask = cv::Mat::zeros(size, CV_8UC1);
+    mask(object).setTo(255);
+    return mask;
+}
+
+/// Blobs, rings, thin rings, lines and single pixels.
+cv::Mat RandomMask(const cv::Size& size, uint64_t seed) {
+    cv::RNG random(seed + 1);  // a generator seeded with 0 gives 0 for ever
+    cv::Mat mask = cv::Mat::zeros(size, CV_8UC1);
+    const auto place = [&] { return cv::Point(random.uniform(0, size.width), random.uniform(0, size.height)); };
+    const int shapes = random.uniform(1, 7);
+    for (int i = 0; i < shapes; ++i) {
+        const cv::Scalar value(random.uniform(1, 256));
+        const int radius = random.uniform(0, size.height / 2 + 1);
+        switch (random.uniform(0, 4)) {
+            case 0:
+                cv::circle(mask, place(), radius, value, cv::FILLED);
+                break;
+            case 1:
+                cv::circle(mask, place(), radius, value, random.uniform(1, 4));
+                break;
+            case 2:
+                cv::rectangle(mask, place(), place(), value, random.uniform(0, 2) == 0 ? 1 : -1);
+                break;
+            default:
+                cv::line(mask, place(), place(), value);
+                break;
+        }
+    }
+    return mask;
+}
+
+/// A contour as numbers, to compare bit for bit.
+struct Outline {
+    std::vector<float> places;  ///< x and y of each point
+    float area = 0;
+    float perimeter = 0;
+};
+
+bool operator==(const Outline& a, const Outline& b) {
+    return a.places == b.places && a.area == b.area && a.perimeter == b.perimeter;
+}
+
+std::ostream& operator<<(std::ostream& out, const Outline& outline) {
+    return out << outline.places.size() / 2 << " points, area " << outline.area << ", perimeter " << outline.perimeter;
+}
+
+/// The chosen border in pixels of the rectangle: the earliest of those with the highest score above 0.
+std::vector<cv::Point> ReferencePoints(const cv::Mat& mask, const cv::Rect& rect, int method, int mode) {
+    std::vector<std::vector<cv::Point>> borders;
+    cv::findContours(mask(rect).clone(), borders, cv::RETR_LIST, method);
+    std::vector<double> scores;
+    for (const std::vector<cv::Point>& border : borders) {
+        const cv::Size box = cv::boundingRect(border).size();
+        scores.push_back(mode == 0   ? cv::contourArea(border)
+                         : mode == 1 ? box.width * box.width + box.height * box.height
+                                     : 0);
+    }
+    const auto best = std::max_element(scores.begin(), scores.end());
+    if (best == scores.end() || *best == 0) return {};
+    return borders[static_cast<std::size_t>(best - scores.begin())];
+}
+
+Outline Reference(const cv::Mat& mask, const cv::Rect& rect, int method, int mode) {
+    const auto width = static_cast<float>(mask.cols);
+    const auto height = static_cast<float>(mask.rows);
+    const std::vector<cv::Point> points = ReferencePoints(mask, rect, method, mode);
+    Outline outline;
+    for (const cv::Point& point : points) {
+        outline.places.push_back(static_cast<float>(rect.x + point.x) / width);
+        outline.places.push_back(static_cast<float>(rect.y + point.y) / height);
+    }
+    if (points.empty()) return outline;
+    volatile float frameArea = height * width;
+    outline.area = static_cast<float>(cv::contourArea(points)) / frameArea;
+    outline.perimeter = static_cast<float>(cv::arcLength(points, true)) / width;
+    return outline;
+}
+
+/// Processors, called through the drivers.
+class ObjectContour : public testing::Test {
+protected:
+    ObjectContour() { Create(cv::CHAIN_APPROX_SIMPLE, 0); }
+    ~ObjectContour() override { Dispose(handle); }
+
+    void Create(int method, int mode, unsigned char unread = 0xA5) {
+        Dispose(handle);
+        auto options = FramedOptions<ContourCalcingOptions>(unread);
+        options->ApproximationMethod = method;
+        options->SelectionMode = mode;
+        CreateCVContourCalculator(&handle, options.record());
+    }
+
+    static Framed<ContourCalcingInputData> Input(const Mask& mask, const RelRect& rect, unsigned char unread = 0xA5) {
+        auto input = FramedInput<ContourCalcingInputData>(unread);
+        input->ObjectMask = mask;
+        input->ObjectRect = rect;
+        return input;
+    }
+
+    Outline Find(const Mask& mask, const RelRect& rect, unsigned char unread = 0xA5) {
+        auto input = Input(mask, rect, unread);
+        auto result = FramedResult<ContourResult>(0xA5);
+        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+        EXPECT_EQ(result->Status, 0);
+        const Contour& contour = *result->Contour;
+        Outline outline{{}, contour.Area, contour.Perimeter};
+        for (int i = 0; i < contour.Count; ++i) {
+            outline.places.push_back(contour.Points[i].X);
+            outline.places.push_back(contour.Points[i].Y);
+        }
+        DisposeResult(handle, result.as<ProcessResult>());
+        return outline;
+    }
+    Outline Find(const cv::Mat& mask, const cv::Rect& rect) { return Find(MaskOf(mask), Around(rect, mask.size())); }
+
+    /// What a call that must throw leaves in a record filled with 0xA5, and in memory.
+    void ExpectRefusal(const Mask& mask, const RelRect& rect, const std::string& message = {}) {
+        auto input = Input(mask, rect);
+        auto result = FramedResult<ContourResult>(0xA5);
+        const std::size_t before = LiveBlocks();
+        try {
+            Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+            ADD_FAILURE() << "no exception";
+        } catch (const cv::Exception& refusal) {
+            EXPECT_NE(std::string(refusal.what()).find(message), std::string::npos) << refusal.what();
+        }
+        EXPECT_EQ(LiveBlocks(), before);
+        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
+    }
+
+    void* handle = nullptr;
+};
+
+TEST_F(ObjectContour, IsTheChosenBorderOfRandomMasks) {
+    const cv::Size sizes[] = {{1, 1}, {3, 9}, {33, 21}, {64, 48}, {101, 77}};
+    for (const int method : {1, 2, 3, 4}) {
+        for (const int mode : {0, 1}) {
+            Create(method, mode);
+            for (uint64_t seed = 0; seed < 100; ++seed) {
+                const cv::Size& size = sizes[seed % std::size(sizes)];
+                const cv::Mat mask = RandomMask(size, seed);
+                cv::RNG random(seed + 500);
+                const int x = random.uniform(0, size.width);
+                const int y = random.uniform(0, size.height);
+                const cv::Rect rect(x, y, random.uniform(1, size.width - x + 1),
+                                    random.uniform(1, size.height - y + 1));
+                EXPECT_EQ(Find(mask, rect), Reference(mask, rect, method, mode))
+                    << "method " << method << ", mode " << mode << ", seed " << seed << ", " << size << ", " << rect;
+            }
+        }
+    }
+}
+
+TEST_F(ObjectContour, IsTheChosenBorderOfRealFrames) {
+    const std::vector<cv::Mat> frames = PedestrianFrames(8);
+    if (frames.empty()) GTEST_SKIP() << "no footage in " << MediaDirectory();
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        cv::Mat mask;
+        cv::cvtColor(frames[i], mask, cv::COLOR_BGR2GRAY);
+        cv::threshold(mask, mask, 110, 255, cv::THRESH_BINARY_INV);
+        for (const cv::Rect& rect : {cv::Rect(0, 0, 768, 576), cv::Rect(131, 77, 333, 251)}) {
+            EXPECT_EQ(Find(mask, rect), Reference(mask, rect, 2, 0)) << "frame " << i << ", " << rect;
+        }
+    }
+}
+
+TEST_F(ObjectContour, OfAFilledSquareIsItsCorners) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    const Outline outline = Find(mask, {16, 5, 30, 30});
+    const std::vector<float> corners = {20 / 80.0F, 10 / 40.0F, 20 / 80.0F, 24 / 40.0F,
+                                        34 / 80.0F, 24 / 40.0F, 34 / 80.0F, 10 / 40.0F};
+    EXPECT_EQ(outline.places, corners);
+    EXPECT_EQ(outline.area, 14 * 14 / 3200.0F);
+    EXPECT_EQ(outline.perimeter, 4 * 14 / 80.0F);
+}
+
+TEST_F(ObjectContour, IsMeasuredByTheFramesAreaAndByItsWidthAlone) {
+    const Outline outline = Find(MaskWith({640, 480}, {100, 50, 101, 201}), {90, 40, 200, 300});
+    EXPECT_EQ(outline.area, 100 * 200 / 307200.0F);
+    EXPECT_EQ(outline.perimeter, 600 / 640.0F);
+}
+
+TEST_F(ObjectContour, IsTheSameThroughDifferentRectangles) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    const Outline outline = Find(mask, {20, 10, 15, 15});
+    EXPECT_EQ(outline.places.size(), 8U);
+    EXPECT_EQ(Find(mask, {16, 5, 30, 30}), outline);
+    EXPECT_EQ(Find(mask, {0, 0, 80, 40}), outline);
+}
+
+TEST_F(ObjectContour, IsCutAtTheRectangle) {
+    const cv::Mat mask = MaskWith({80, 40}, {0, 0, 80, 40});
+    const Outline outline = Find(mask, {20, 10, 11, 6});
+    EXPECT_EQ(outline.area, 10 * 5 / 3200.0F);
+    EXPECT_EQ(outline.places[0], 20 / 80.0F);
+}
+
+TEST_F(ObjectContour, TruncatesItsRectangle) {
+    // From 19.9 to the pixel before 19 + 11.9, truncated each for itself: columns 19 to 29.
+    const cv::Mat mask = MaskWith({80, 40}, {0, 0, 80, 40});
+    const RelRect rect{19.9F / 80, 9.9F / 40, 11.9F / 80, 6.9F / 40};
+    EXPECT_EQ(Find(MaskOf(mask), rect), Reference(mask, {19, 9, 11, 6}, 2, 0));
+}
+
+TEST_F(ObjectContour, DividesItsAreaInSinglePrecision) {
+    // The frame has more pixels than a float can count, which shows in the last bit.
+    const cv::Mat mask = MaskWith({4099, 4099}, {7, 5, 11, 11});
+    const float divided = 100.0F / (4099.0F * 4099.0F);
+    ASSERT_NE(divided, static_cast<float>(100.0 / (4099.0 * 4099.0)));
+    EXPECT_EQ(Find(mask, {0, 0, 40, 40}).area, divided);
+}
+
+TEST_F(ObjectContour, DividesItsPerimeterInSinglePrecision) {
+    Create(cv::CHAIN_APPROX_NONE, 1);
+    int telling = 0;
+    for (uint64_t seed = 0; seed < 200; ++seed) {
+        const cv::Mat mask = RandomMask({61, 47}, seed);
+        const std::vector<cv::Point> points = ReferencePoints(mask, {0, 0, 61, 47}, 1, 1);
+        ASSERT_FALSE(points.empty()) << "seed " << seed;
+        const double length = cv::arcLength(points, true);
+        const float divided = static_cast<float>(length) / 61.0F;
+        telling += divided != static_cast<float>(length / 61.0) ? 1 : 0;
+        EXPECT_EQ(Find(mask, {0, 0, 61, 47}).perimeter, divided) << "seed " << seed;
+    }
+    EXPECT_GT(telling, 0) << "no perimeter tells single from double precision";
+}
+
+TEST_F(ObjectContour, IsEmptyWhereTheRectangleHoldsNothing) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    Find(mask, {40, 5, 30, 30});  // OpenCV keeps what it sets up at a first call
+    auto input = Input(MaskOf(mask), Around({40, 5, 30, 30}, mask.size()));
+    auto result = FramedResult<ContourResult>(0xA5);
+    const std::size_t before = LiveBlocks();
+    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    EXPECT_EQ(result->Status, 0);
+    ASSERT_NE(result->Contour, nullptr);
+    EXPECT_NE(result->Contour->Points, nullptr);
+    EXPECT_EQ(result->Contour->Count, 0);
+    EXPECT_EQ(result->Contour->Area, 0.0F);
+    EXPECT_EQ(result->Contour->Perimeter, 0.0F);
+    DisposeResult(handle, result.as<ProcessResult>());
+    EXPECT_EQ(result->Contour, nullptr);
+    EXPECT_EQ(LiveBlocks(), before);
+}
+
+TEST_F(ObjectContour, IsEmptyInAModeThatNothingKnows) {
+    for (const int mode : {2, 7, -1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+        Create(2, mode);
+        EXPECT_EQ(Find(MaskWith({80, 40}, {20, 10, 15, 15}), {0, 0, 80, 40}), Outline()) << "mode " << mode;
+    }
+}
+
+TEST_F(ObjectContour, OfALineIsEmptyByAreaAndTheLineByItsDiagonal) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 1});
+    EXPECT_EQ(Find(mask, {0, 0, 80, 40}), Outline());
+    Create(2, 1);
+    const Outline line{{20 / 80.0F, 10 / 40.0F, 34 / 80.0F, 10 / 40.0F}, 0.0F, 28 / 80.0F};
+    EXPECT_EQ(Find(mask, {0, 0, 80, 40}), line);
+}
+
+TEST_F(ObjectContour, OfASinglePixelIsThatPointByItsDiagonal) {
+    Create(2, 1);
+    const Outline pixel{{20 / 80.0F, 10 / 40.0F}, 0.0F, 0.0F};
+    EXPECT_EQ(Find(MaskWith({80, 40}, {20, 10, 1, 1}), {3, 3, 50, 30}), pixel);
+}
+
+TEST_F(ObjectContour, IsEmptyInARectangleWithoutPixels) {
+    EXPECT_EQ(Find(MaskWith({80, 40}, {0, 0, 80, 40}), {5, 5, 0, 0}), Outline());
+}
+
+TEST_F(ObjectContour, DoesWithAnEmptyMaskWhatOpenCvDoes) {
+    bool refused = false;
+    try {
+        std::vector<std::vector<cv::Point>> contours;
+        cv::findContours(cv::Mat(0, 0, CV_8UC1), contours, cv::RETR_LIST, 2);
+    } catch (const cv::Exception&) {
+        refused = true;
+    }
+    uint8_t pixel = 1;
+    for (uint8_t* const data : {&pixel, static_cast<uint8_t*>(nullptr)}) {
+        if (refused) {
+            ExpectRefusal({data, 0, 0}, kEverything);
+        } else {
+            EXPECT_EQ(Find({data, 0, 0}, kEverything), Outline());
+        }
+    }
+}
+
+TEST_F(ObjectContour, RefusesANullMaskThatIsNotEmpty) {
+    ExpectRefusal({nullptr, 8, 6}, kEverything, "total() == 0 || data != NULL");
+    ExpectRefusal({nullptr, 1, 1}, {0, 0, 0, 0}, "total() == 0 || data != NULL");
+}
+
+TEST_F(ObjectContour, RefusesARectangleThatDoesNotLieInsideTheMask) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float infinity = std::numeric_limits<float>::infinity();
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    const RelRect outside[] = {
+        {-0.1F, 0, 0.5F, 0.5F}, {0, -0.1F, 0.5F, 0.5F}, {0.6F, 0, 0.5F, 0.5F},      {0, 0.6F, 0.5F, 0.5F},
+        {0, 0, 1.1F, 1},        {0, 0, 1, 1.1F},        {0.5F, 0.5F, -0.2F, 0.2F},  {0.5F, 0.5F, 0.2F, -0.2F},
+        {nan, 0, 0.5F, 0.5F},   {0, 0, nan, 0.5F},      {0, -infinity, 0.5F, 0.5F}, {0, 0, 0.5F, infinity},
+        {26843544, 0, 5, 1},    {0, 53687088, 1, 5}};  // the last two wrap in 32 bits
+    for (const RelRect& rect : outside) {
+        SCOPED_TRACE(testing::Message() << rect.X << ", " << rect.Y << ", " << rect.Width << ", " << rect.Height);
+        ExpectRefusal(MaskOf(mask), rect);
+    }
+}
+
+TEST_F(ObjectContour, RefusesAnApproximationMethodThatOpenCvDoesNotKnow) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    Find(mask, {0, 0, 80, 40});
+    for (const int method : {-1, 6, 99}) {
+        SCOPED_TRACE(method);
+        Create(method, 0);
+        ExpectRefusal(MaskOf(mask), kEverything);
+    }
+}
+
+TEST_F(ObjectContour, WorksAfterAFailedCall) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    ExpectRefusal(MaskOf(mask), {0.9F, 0.9F, 0.9F, 0.9F});
+    EXPECT_EQ(Find(mask, {0, 0, 80, 40}), Reference(mask, {0, 0, 80, 40}, 2, 0));
+}
+
+TEST_F(ObjectContour, LosesNothingWhenTheMemoryForItsResultRunsOut) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    Find(mask, {0, 0, 80, 40});  // OpenCV keeps what it sets up at a first call
+    auto input = Input(MaskOf(mask), kEverything);
+    auto result = FramedResult<ContourResult>(0xA5);
+    std::size_t allocations = 0;
+    {
+        AllocationLog log;
+        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+        allocations = log.Sizes().size();
+    }
+    DisposeResult(handle, result.as<ProcessResult>());
+    ASSERT_GE(allocations, 2U);  // the last two are the contour and its points; those before are OpenCV's
+    for (std::size_t served = allocations - 2; served < allocations; ++served) {
+        SCOPED_TRACE(served);
+        auto untouched = FramedResult<ContourResult>(0xA5);
+        const std::size_t before = LiveBlocks();
+        {
+            const FailingAllocation failure(served);
+            EXPECT_THROW(Process(handle, input.as<ProcessData>(), untouched.as<ProcessResult>()), std::bad_alloc);
+        }
+        EXPECT_EQ(LiveBlocks(), before);
+        for (const unsigned char byte : untouched.Bytes()) EXPECT_EQ(byte, 0xA5);
+    }
+}
+
+TEST_F(ObjectContour, LeavesTheMaskAsItIs) {
+    for (uint64_t seed = 0; seed < 10; ++seed) {
+        const cv::Mat mask = RandomMask({33, 21}, seed);
+        const cv::Mat before = mask.clone();
+        Find(mask, {1, 1, 30, 19});
+        EXPECT_EQ(std::memcmp(mask.data, before.data, mask.total()), 0) << "seed " << seed;
+    }
+}
+
+TEST_F(ObjectContour, KeepsTheOptionsThatItWasMadeWith) {
+    auto options = FramedOptions<ContourCalcingOptions>();
+    options->ApproximationMethod = 1;
+    void* other = nullptr;
+    CreateCVContourCalculator(&other, options.record());
+    options->ApproximationMethod = 2;
+    options->SelectionMode = 7;
+    std::swap(handle, other);
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    EXPECT_EQ(Find(mask, {0, 0, 80, 40}), Reference(mask, {0, 0, 80, 40}, 1, 0));
+    Dispose(other);
+}
+
+TEST_F(ObjectContour, DoesNotReadTheReservedBytes) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    const unsigned char fills[] = {0x00, 0x01, 0xFF};
+    for (const unsigned char unread : fills) {
+        Create(2, 0, unread);
+        EXPECT_EQ(Find(MaskOf(mask), kEverything, unread), Reference(mask, {0, 0, 80, 40}, 2, 0))
+            << "filled with " << int{unread};
+    }
+}
+
+TEST_F(ObjectContour, LeavesThePaddingOfTheHostsRecordAsItIs) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    auto input = Input(MaskOf(mask), kEverything);
+    auto result = FramedResult<ContourResult>(0xC3);
+    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    const auto bytes = result.Bytes();
+    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xC3) << "byte " << i;
+    DisposeResult(handle, result.as<ProcessResult>());
+}
+
+TEST_F(ObjectContour, GivingAResultBackReleasesItAndForgetsIt) {
+    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
+    Find(mask, {0, 0, 80, 40});
+    auto input = Input(MaskOf(mask), kEverything);
+    auto result = FramedResult<ContourResult>(0xA5);
+    const std::size_t before = LiveBlocks();
+    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    EXPECT_EQ(LiveBlocks(), before + 2);
+    DisposeResult(handle, result.as<ProcessResult>());
+    EXPECT_EQ(LiveBlocks(), before);
+    EXPECT_EQ(result->Contour, nullptr);
+}
+
+TEST_F(ObjectContour, GivingBackAResultWithoutAContourChangesNothing) {
+    auto result = FramedResult<ContourResult>(0x5A);
+    result->Contour = nullptr;
+    const auto before = result.Bytes();
+    DisposeResult(handle, result.as<ProcessResult>());
+    EXPECT_EQ(result.Bytes(), before);
+}
+
+}  // namespace
