@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
+#include "Quarry.OpenCV/CVContourMaskProcessor.h"
 #include "Quarry.OpenCV/CVContourProcessor.h"
 #include "Quarry.OpenCV/CVCosineSimilarity.h"
 #include "Quarry.OpenCV/CVDenseOpticalFlowUpdater.h"
@@ -48,6 +49,10 @@ void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options) {
 
 void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options) {
     Create<CVFastNlMeansDenoisingFilter>(handle, options);
+}
+
+void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessorOptions* options) {
+    Create<CVContourMaskProcessor>(handle, options);
 }
 
 void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {

@@ -102,6 +102,10 @@ QUARRY_API void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* o
 /// Non-local means denoising: takes FilterData, gives FilterResult (processor).
 QUARRY_API void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options);
 
+/// Grid of cells that objects occupy: takes ContourMaskProcessorData, gives ContourMaskProcessorResult (processor).
+/// `DisposeResult` leaves the grid in place: the host releases it with DestroyContourMaskProcessorResult (Memory.h).
+QUARRY_API void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessorOptions* options);
+
 /// Sharpness of a frame: takes VoLInputData, gives VoLOutputData (processor).
 QUARRY_API void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
 

@@ -74,6 +74,7 @@ const Names kDrivers = {"Process", "DisposeResult", "Update", "GetUpdateResult",
 const Names kFactories = {
     "CreateCVBackgroundModel",
     "CreateCVContourCalculator",
+    "CreateCVContourMaskProcessor",
     "CreateCVCosineSimilarity",
     "CreateCVDenseOpticalFlowCalculator",
     "CreateCVFaceLaplacianVarianceProcessor",

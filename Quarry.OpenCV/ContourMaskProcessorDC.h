@@ -1,0 +1,31 @@
+#pragma once
+
+#include <opencv2/core.hpp>
+#include <vector>
+
+#include "Quarry.Frame/ContourMaskProcessor.h"
+
+/// A grid of the cells that objects occupy: what is not black in the frame, outlined, without its small contours,
+/// filled and counted cell by cell.
+///
+/// Cells are all of the same whole size; pixels right of and below the last whole cell belong to none. `CellFillRate`
+/// also says how contours are approximated: above 0.5 every border pixel is kept.
+///
+/// Pixels are read in place during the call, in R, G, B order; rows are packed (`width * 3` bytes), `stride` is not
+/// consulted. DisposeResult leaves the mask in place: the host releases it with DestroyContourMaskProcessorResult.
+/// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
+/// @throws std::invalid_argument  `GridWidth` or `GridHeight` is below 1, or the grid has more than 2147483647 cells
+/// @throws cv::Exception          `data` is null while the frame is not empty, or the frame is empty
+class ContourMaskProcessorDC : public ContourMaskProcessor {
+public:
+    using ContourMaskProcessor::ContourMaskProcessor;
+
+    ContourMaskProcessorResult DoProcess(ContourMaskProcessorData data) override;
+
+private:
+    /// Outlines of what is not 0 and not small.
+    std::vector<std::vector<cv::Point_<int>>> GetContours(const cv::Mat& image, float minAreaRate) const;
+
+    /// Marks the cells of which more than the fill rate's share is drawn.
+    void FillGrid(const cv::Mat& drawing, const Mask& grid) const;
+};
