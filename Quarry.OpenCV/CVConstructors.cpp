@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
+#include "Quarry.OpenCV/CVClustererContours.h"
 #include "Quarry.OpenCV/CVContourMaskProcessor.h"
 #include "Quarry.OpenCV/CVContourProcessor.h"
 #include "Quarry.OpenCV/CVCosineSimilarity.h"
@@ -45,6 +46,10 @@ void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options) {
 
 void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options) {
     Create<CVOpticalFlowLineInvoker>(handle, options);
+}
+
+void CreateCVClustererContours(void** handle, ClustererOptions* options) {
+    Create<CVClustererContours>(handle, options);
 }
 
 void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options) {

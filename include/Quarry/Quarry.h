@@ -99,6 +99,9 @@ QUARRY_API void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* op
 /// Motion across a line: takes OFLineData, gives OFLineResult (processor).
 QUARRY_API void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options);
 
+/// Contour clusters: takes ClustererData, gives ClustererResult (processor).
+QUARRY_API void CreateCVClustererContours(void** handle, ClustererOptions* options);
+
 /// Non-local means denoising: takes FilterData, gives FilterResult (processor).
 QUARRY_API void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options);
 

@@ -105,6 +105,10 @@ struct ShapeRate
     static constexpr const char* kFactory = "CreateCVContourRateCalculator";
     static constexpr bool kUpdater = false;
 };
+struct Clusters : Operation<ClustererOptions, ClustererData, ClustererResult> {
+    static constexpr const char* kFactory = "CreateCVClustererContours";
+    static constexpr bool kUpdater = false;
+};
 struct Occupancy : Operation<ContourMaskProcessorOptions, ContourMaskProcessorData, ContourMaskProcessorResult> {
     static constexpr const char* kFactory = "CreateCVContourMaskProcessor";
     static constexpr bool kUpdater = false;
@@ -142,7 +146,7 @@ protected:
 };
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity, ObjectContour, Occupancy>;
+                                  Tracker, Similarity, ObjectContour, Clusters, Occupancy>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {

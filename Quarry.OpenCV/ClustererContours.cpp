@@ -1,0 +1,47 @@
+#include "Quarry.OpenCV/ClustererContours.h"
+
+#include <algorithm>
+#include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "Quarry.OpenCV/CVHelper.h"
+#include "Quarry.OpenCV/OuterContours.h"
+#include "Quarry.OpenCV/PendingResult.h"
+#include "Quarry.OpenCV/Truncate.h"
+
+namespace {
+
+/// Centre of mass in whole pixels. Without area it is not a number, which truncates like any other.
+cv::Point CenterOf(const std::vector<cv::Point>& contour) {
+    const cv::Moments moments = cv::moments(contour, false);
+    return {quarry::Truncate(moments.m10 / moments.m00), quarry::Truncate(moments.m01 / moments.m00)};
+}
+
+void Fill(Cluster& cluster, const std::vector<cv::Point>& contour, const cv::Size& frame) {
+    const cv::Point2f center = CVHelper::AbsoluteToRelative(CenterOf(contour), frame.width, frame.height);
+    cluster.CenterX = center.x;
+    cluster.CenterY = center.y;
+    cluster.Contour = CreateContour(static_cast<int>(contour.size()));
+    cluster.Contour->Area =
+        static_cast<float>(cv::contourArea(contour, false) / static_cast<double>(frame.height * frame.width));
+    cluster.Contour->Perimeter = static_cast<float>(cv::arcLength(contour, true) / static_cast<double>(frame.width));
+    FloatPoint* out = cluster.Contour->Points;
+    for (const cv::Point& point : contour) {
+        const cv::Point2f relative = CVHelper::AbsoluteToRelative(point, frame.width, frame.height);
+        *out++ = {relative.x, relative.y};
+    }
+}
+
+}  // namespace
+
+ClustererResult ClustererContours::DoProcess(ClustererData data) {
+    const cv::Mat grey = quarry::GreyOfRgb(data.Image);
+    const std::vector<std::vector<cv::Point>> contours =
+        quarry::GetValidContours(quarry::FindOuterContours(grey, options.OutlinePrecision), options.MinContourAreaRate,
+                                 static_cast<float>(grey.rows * grey.cols));
+    quarry::PendingResult result(CreateClustererResult(static_cast<int>(contours.size())), DestroyClustererResult);
+    Cluster* out = result->Clusters;
+    std::fill_n(out, contours.size(), Cluster{});  // so that a half-built result can be released
+    for (const std::vector<cv::Point>& contour : contours) Fill(*out++, contour, grey.size());
+    return result.HandOver();
+}
