@@ -2,6 +2,7 @@
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
 #include "Quarry.OpenCV/CVClustererContours.h"
+#include "Quarry.OpenCV/CVContourIntersectionProcessor.h"
 #include "Quarry.OpenCV/CVContourMaskProcessor.h"
 #include "Quarry.OpenCV/CVContourProcessor.h"
 #include "Quarry.OpenCV/CVCosineSimilarity.h"
@@ -54,6 +55,10 @@ void CreateCVClustererContours(void** handle, ClustererOptions* options) {
 
 void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options) {
     Create<CVFastNlMeansDenoisingFilter>(handle, options);
+}
+
+void CreateCVContourIntersectionProcessor(void** handle, ContourIntersectionProcessorOptions* options) {
+    Create<CVContourIntersectionProcessor>(handle, options);
 }
 
 void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessorOptions* options) {

@@ -105,6 +105,10 @@ QUARRY_API void CreateCVClustererContours(void** handle, ClustererOptions* optio
 /// Non-local means denoising: takes FilterData, gives FilterResult (processor).
 QUARRY_API void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options);
 
+/// Contour against a polygon: takes ContourIntersectionProcessorData, gives ContourInstersectionProcessorResult
+/// (processor).
+QUARRY_API void CreateCVContourIntersectionProcessor(void** handle, ContourIntersectionProcessorOptions* options);
+
 /// Grid of cells that objects occupy: takes ContourMaskProcessorData, gives ContourMaskProcessorResult (processor).
 /// `DisposeResult` leaves the grid in place: the host releases it with DestroyContourMaskProcessorResult (Memory.h).
 QUARRY_API void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessorOptions* options);

@@ -75,6 +75,7 @@ const Names kFactories = {
     "CreateCVBackgroundModel",
     "CreateCVClustererContours",
     "CreateCVContourCalculator",
+    "CreateCVContourIntersectionProcessor",
     "CreateCVContourMaskProcessor",
     "CreateCVCosineSimilarity",
     "CreateCVDenseOpticalFlowCalculator",

@@ -109,6 +109,11 @@ struct Clusters : Operation<ClustererOptions, ClustererData, ClustererResult> {
     static constexpr const char* kFactory = "CreateCVClustererContours";
     static constexpr bool kUpdater = false;
 };
+struct Intersection : Operation<ContourIntersectionProcessorOptions, ContourIntersectionProcessorData,
+                                ContourInstersectionProcessorResult> {
+    static constexpr const char* kFactory = "CreateCVContourIntersectionProcessor";
+    static constexpr bool kUpdater = false;
+};
 struct Occupancy : Operation<ContourMaskProcessorOptions, ContourMaskProcessorData, ContourMaskProcessorResult> {
     static constexpr const char* kFactory = "CreateCVContourMaskProcessor";
     static constexpr bool kUpdater = false;
@@ -146,7 +151,7 @@ protected:
 };
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity, ObjectContour, Clusters, Occupancy>;
+                                  Tracker, Similarity, ObjectContour, Clusters, Intersection, Occupancy>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
