@@ -2,6 +2,7 @@
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
 #include "Quarry.OpenCV/CVClustererContours.h"
+#include "Quarry.OpenCV/CVContourComparator.h"
 #include "Quarry.OpenCV/CVContourIntersectionProcessor.h"
 #include "Quarry.OpenCV/CVContourMaskProcessor.h"
 #include "Quarry.OpenCV/CVContourProcessor.h"
@@ -35,6 +36,10 @@ void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* opti
 
 void CreateCVContourCalculator(void** handle, ContourCalcingOptions* options) {
     Create<CVContourProcessor>(handle, options);
+}
+
+void CreateCVContourRateCalculator(void** handle, ContourRateMeasuringOptions* options) {
+    Create<CVContourComparator>(handle, options);
 }
 
 void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {

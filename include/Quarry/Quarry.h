@@ -90,6 +90,10 @@ QUARRY_API void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOp
 /// Contour of an object: takes ContourCalcingInputData, gives ContourResult (processor).
 QUARRY_API void CreateCVContourCalculator(void** handle, ContourCalcingOptions* options);
 
+/// Shape change rate: takes ContourRateMeasuringInputData, gives ContourRateMeasuringOutputData (processor).
+/// A contour that counts 0 points aborts the process.
+QUARRY_API void CreateCVContourRateCalculator(void** handle, ContourRateMeasuringOptions* options);
+
 /// Background model: takes BackgroundData, gives BackgroundResult (updater).
 QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* options);
 

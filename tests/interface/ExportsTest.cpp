@@ -77,6 +77,7 @@ const Names kFactories = {
     "CreateCVContourCalculator",
     "CreateCVContourIntersectionProcessor",
     "CreateCVContourMaskProcessor",
+    "CreateCVContourRateCalculator",
     "CreateCVCosineSimilarity",
     "CreateCVDenseOpticalFlowCalculator",
     "CreateCVFaceLaplacianVarianceProcessor",

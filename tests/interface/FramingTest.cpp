@@ -151,7 +151,7 @@ protected:
 };
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity, ObjectContour, Clusters, Intersection, Occupancy>;
+                                  Tracker, Similarity, ObjectContour, ShapeRate, Clusters, Intersection, Occupancy>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
