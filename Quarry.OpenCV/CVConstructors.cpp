@@ -14,6 +14,7 @@
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
 #include "Quarry.OpenCV/CVMosseTrackerUpdater.h"
 #include "Quarry.OpenCV/CVOpticalFlowLineInvoker.h"
+#include "Quarry.OpenCV/CVRectExtractor.h"
 #include "Quarry/Quarry.h"
 
 namespace {
@@ -52,6 +53,10 @@ void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options) {
 
 void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options) {
     Create<CVOpticalFlowLineInvoker>(handle, options);
+}
+
+void CreateCVRectExtractor(void** handle, RectExtractorOptions* options) {
+    Create<CVRectExtractorInvoker>(handle, options);
 }
 
 void CreateCVClustererContours(void** handle, ClustererOptions* options) {

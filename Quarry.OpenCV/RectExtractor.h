@@ -1,12 +1,31 @@
 #pragma once
 
-#include "Quarry.Frame/Processor.h"
-#include "Quarry/Memory.h"
+#include <opencv2/core.hpp>
 
-/// A rotated rectangle cut out of a frame. So far the class says how its results are released; no factory builds it.
+#include "Quarry.Frame/Processor.h"
+
+/// A rotated rectangle cut out of a frame, upright.
+///
+/// The result is of the size that the host asks for, its centre on the rectangle's; where the rectangle leaves the
+/// frame it is black. The angle counts in single precision. A frame without pixels gives a result that is not written.
+///
+/// The frame is read in place during the call, as packed rows (`width * 3` bytes). The result's rows are packed too;
+/// its `stride` is `Width` times the bytes per pixel that the frame's stride and width say. The host gives it back with
+/// DisposeResult.
+/// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
+/// @throws std::invalid_argument  the frame's width is 0, a size is negative, or the frame's stride leaves no room for
+///                                the packed rows of the result
+/// @throws cv::Exception          the frame is too large to warp, 32767 pixels and more a side; both sizes are written
+///                                to the standard output first, with carriage returns
 class RectExtractor : public Processor<RectExtractorOptions, RectExtractorData, RectExtractorResult> {
 public:
     using Processor::Processor;
 
-    void DoDisposeData(RectExtractorResult* result) override { DestroyRectExtractorResult(result); }
+    RectExtractorResult DoProcess(RectExtractorData data) override;
+    void DoDisposeData(RectExtractorResult* result) override;
+
+private:
+    /// Fills `destination` with the rectangle of its size around a centre of `source`.
+    /// @param angle  degrees
+    void ExtractRect(const cv::Mat& source, cv::Mat& destination, int centerX, int centerY, float angle) const;
 };

@@ -103,6 +103,9 @@ QUARRY_API void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* op
 /// Motion across a line: takes OFLineData, gives OFLineResult (processor).
 QUARRY_API void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options);
 
+/// Rotated rectangle cut out of a frame: takes RectExtractorData, gives RectExtractorResult (processor).
+QUARRY_API void CreateCVRectExtractor(void** handle, RectExtractorOptions* options);
+
 /// Contour clusters: takes ClustererData, gives ClustererResult (processor).
 QUARRY_API void CreateCVClustererContours(void** handle, ClustererOptions* options);
 

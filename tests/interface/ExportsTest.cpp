@@ -86,6 +86,7 @@ const Names kFactories = {
     "CreateCVLaplacianVarianceProcessor",
     "CreateCVMosseTracker",
     "CreateCVOpticalFlowLineProcessor",
+    "CreateCVRectExtractor",
 };
 
 const Names kMemory = {

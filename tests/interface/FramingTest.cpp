@@ -105,6 +105,10 @@ struct ShapeRate
     static constexpr const char* kFactory = "CreateCVContourRateCalculator";
     static constexpr bool kUpdater = false;
 };
+struct RotatedRect : Operation<RectExtractorOptions, RectExtractorData, RectExtractorResult> {
+    static constexpr const char* kFactory = "CreateCVRectExtractor";
+    static constexpr bool kUpdater = false;
+};
 struct Clusters : Operation<ClustererOptions, ClustererData, ClustererResult> {
     static constexpr const char* kFactory = "CreateCVClustererContours";
     static constexpr bool kUpdater = false;
@@ -150,8 +154,9 @@ protected:
     void* handle = nullptr;
 };
 
-using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity, ObjectContour, ShapeRate, Clusters, Intersection, Occupancy>;
+using Operations =
+    testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness, Tracker,
+                   Similarity, ObjectContour, ShapeRate, RotatedRect, Clusters, Intersection, Occupancy>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
