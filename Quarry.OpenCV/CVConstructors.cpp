@@ -11,6 +11,7 @@
 #include "Quarry.OpenCV/CVFaceLaplacianVarianceProcessor.h"
 #include "Quarry.OpenCV/CVFastNlMeansDenoisingFilter.h"
 #include "Quarry.OpenCV/CVImageAbsSubtractor.h"
+#include "Quarry.OpenCV/CVKMeanColorExtractor.h"
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
 #include "Quarry.OpenCV/CVMosseTrackerUpdater.h"
 #include "Quarry.OpenCV/CVOpticalFlowLineInvoker.h"
@@ -57,6 +58,10 @@ void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options) {
 
 void CreateCVRectExtractor(void** handle, RectExtractorOptions* options) {
     Create<CVRectExtractorInvoker>(handle, options);
+}
+
+void CreateCVKMeanColorExtractor(void** handle, KMeanOptions* options) {
+    Create<CVKMeanColorExtractorInvoker>(handle, options);
 }
 
 void CreateCVClustererContours(void** handle, ClustererOptions* options) {

@@ -1,12 +1,29 @@
 #pragma once
 
-#include "Quarry.Frame/Processor.h"
-#include "Quarry/Memory.h"
+#include <opencv2/core.hpp>
 
-/// Dominant clothing colours. So far the class says how its results are released; no factory builds it.
+#include "Quarry.Frame/Processor.h"
+
+/// The two dominant colours of a person's upper body and the two of the legs, by k-means (Arthur and Vassilvitskii,
+/// 2007, choose its first centres) over the pixels between body keypoints.
+///
+/// A colour is three floats from 0 to 1, the frame's channels in reverse order; in each area the larger cluster comes
+/// first, and the second centre when both are equal. Keypoints beyond the frame are moved to its border. The first
+/// centres come from OpenCV's global random numbers, which the library does not seed: results may differ slightly from
+/// call to call.
+///
+/// Pixels are read in place during the call; rows are packed (`width * 3` bytes), `stride` is not consulted; 17 points
+/// are read whatever their count says. The colours belong to the result, which the host gives back with DisposeResult.
+/// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
+/// @throws std::invalid_argument  `Keypoints.Points` is null
+/// @throws cv::Exception          `data` is null while the frame is not empty, or an area covers fewer than two pixels
 class KMeanColorExtractor : public Processor<KMeanOptions, KMeanData, KMeanResult> {
 public:
     using Processor::Processor;
 
-    void DoDisposeData(KMeanResult* result) override { DestroyKMeanResult(result); }
+    KMeanResult DoProcess(KMeanData data) override;
+    void DoDisposeData(KMeanResult* result) override;
+
+    /// Moves points beyond the frame to its border.
+    static void FilterPolygonsPoints(cv::Point* points, int count, int width, int height);
 };

@@ -106,6 +106,9 @@ QUARRY_API void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* o
 /// Rotated rectangle cut out of a frame: takes RectExtractorData, gives RectExtractorResult (processor).
 QUARRY_API void CreateCVRectExtractor(void** handle, RectExtractorOptions* options);
 
+/// Dominant clothing colours: takes KMeanData, gives KMeanResult (processor).
+QUARRY_API void CreateCVKMeanColorExtractor(void** handle, KMeanOptions* options);
+
 /// Contour clusters: takes ClustererData, gives ClustererResult (processor).
 QUARRY_API void CreateCVClustererContours(void** handle, ClustererOptions* options);
 

@@ -83,6 +83,7 @@ const Names kFactories = {
     "CreateCVFaceLaplacianVarianceProcessor",
     "CreateCVFastNlMeansDenoisingFilter",
     "CreateCVImageAbsSubtractor",
+    "CreateCVKMeanColorExtractor",
     "CreateCVLaplacianVarianceProcessor",
     "CreateCVMosseTracker",
     "CreateCVOpticalFlowLineProcessor",

@@ -109,6 +109,10 @@ struct RotatedRect : Operation<RectExtractorOptions, RectExtractorData, RectExtr
     static constexpr const char* kFactory = "CreateCVRectExtractor";
     static constexpr bool kUpdater = false;
 };
+struct ClothingColors : Operation<KMeanOptions, KMeanData, KMeanResult> {
+    static constexpr const char* kFactory = "CreateCVKMeanColorExtractor";
+    static constexpr bool kUpdater = false;
+};
 struct Clusters : Operation<ClustererOptions, ClustererData, ClustererResult> {
     static constexpr const char* kFactory = "CreateCVClustererContours";
     static constexpr bool kUpdater = false;
@@ -154,9 +158,9 @@ protected:
     void* handle = nullptr;
 };
 
-using Operations =
-    testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness, Tracker,
-                   Similarity, ObjectContour, ShapeRate, RotatedRect, Clusters, Intersection, Occupancy>;
+using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
+                                  Tracker, Similarity, ObjectContour, ShapeRate, RotatedRect, ClothingColors, Clusters,
+                                  Intersection, Occupancy>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
