@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
+#include "Quarry.OpenCV/CVCascadeClassifier.h"
 #include "Quarry.OpenCV/CVClustererContours.h"
 #include "Quarry.OpenCV/CVContourComparator.h"
 #include "Quarry.OpenCV/CVContourIntersectionProcessor.h"
@@ -46,6 +47,10 @@ void CreateCVContourRateCalculator(void** handle, ContourRateMeasuringOptions* o
 
 void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {
     Create<CVBackgroundUpdater>(handle, options);
+}
+
+void CreateCVCascadeClassifier(void** handle, ClassificationOptions* options) {
+    Create<CVCascadeClassifier>(handle, options);
 }
 
 void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options) {

@@ -73,6 +73,7 @@ std::string Missing(const Names& from, const Names& in) {
 const Names kDrivers = {"Process", "DisposeResult", "Update", "GetUpdateResult", "Dispose"};
 const Names kFactories = {
     "CreateCVBackgroundModel",
+    "CreateCVCascadeClassifier",
     "CreateCVClustererContours",
     "CreateCVContourCalculator",
     "CreateCVContourIntersectionProcessor",

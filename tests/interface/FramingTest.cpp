@@ -105,6 +105,10 @@ struct ShapeRate
     static constexpr const char* kFactory = "CreateCVContourRateCalculator";
     static constexpr bool kUpdater = false;
 };
+struct Cascade : Operation<ClassificationOptions, ClassificationData, ClassificationResult> {
+    static constexpr const char* kFactory = "CreateCVCascadeClassifier";
+    static constexpr bool kUpdater = false;
+};
 struct RotatedRect : Operation<RectExtractorOptions, RectExtractorData, RectExtractorResult> {
     static constexpr const char* kFactory = "CreateCVRectExtractor";
     static constexpr bool kUpdater = false;
@@ -127,11 +131,19 @@ struct Occupancy : Operation<ContourMaskProcessorOptions, ContourMaskProcessorDa
     static constexpr bool kUpdater = false;
 };
 
+/// Options of zeros will do, but for the path of a model, which must be there.
+template <class Options>
+void GiveWhatIsNeeded(Options& /*options*/) {}
+void GiveWhatIsNeeded(ClassificationOptions& options) {
+    options.CascadePath = "no-such-model.xml";
+}
+
 template <class Kind>
 class FramingOfEveryOperation : public Framing {
 protected:
     void SetUp() override {
         auto options = FramedOptions<typename Kind::Options>();
+        GiveWhatIsNeeded(*options);
         create(&handle, options.record());
     }
     void TearDown() override { library.Dispose(handle); }
@@ -159,8 +171,8 @@ protected:
 };
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity, ObjectContour, ShapeRate, RotatedRect, ClothingColors, Clusters,
-                                  Intersection, Occupancy>;
+                                  Tracker, Similarity, ObjectContour, ShapeRate, Cascade, RotatedRect, ClothingColors,
+                                  Clusters, Intersection, Occupancy>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
