@@ -11,6 +11,7 @@
 #include "Quarry.OpenCV/CVDenseOpticalFlowUpdater.h"
 #include "Quarry.OpenCV/CVFaceLaplacianVarianceProcessor.h"
 #include "Quarry.OpenCV/CVFastNlMeansDenoisingFilter.h"
+#include "Quarry.OpenCV/CVHogSvmClassifier.h"
 #include "Quarry.OpenCV/CVImageAbsSubtractor.h"
 #include "Quarry.OpenCV/CVKMeanColorExtractor.h"
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
@@ -47,6 +48,10 @@ void CreateCVContourRateCalculator(void** handle, ContourRateMeasuringOptions* o
 
 void CreateCVBackgroundModel(void** handle, BackgroundOptions* options) {
     Create<CVBackgroundUpdater>(handle, options);
+}
+
+void CreateCVHogSvmHumanClassifier(void** handle, ClassificationOptions* options) {
+    Create<CVHogSvmClassifier>(handle, options);
 }
 
 void CreateCVCascadeClassifier(void** handle, ClassificationOptions* options) {

@@ -97,6 +97,9 @@ QUARRY_API void CreateCVContourRateCalculator(void** handle, ContourRateMeasurin
 /// Background model: takes BackgroundData, gives BackgroundResult (updater).
 QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* options);
 
+/// People detector: takes ClassificationData, gives ClassificationResult (processor).
+QUARRY_API void CreateCVHogSvmHumanClassifier(void** handle, ClassificationOptions* options);
+
 /// Cascade detector: takes ClassificationData, gives ClassificationResult (processor). The model is read here; that
 /// there is none is found out at Process, as an exception of OpenCV.
 /// @throws std::invalid_argument  `Mode` is above 2, or `CascadePath` is null

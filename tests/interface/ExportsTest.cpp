@@ -83,6 +83,7 @@ const Names kFactories = {
     "CreateCVDenseOpticalFlowCalculator",
     "CreateCVFaceLaplacianVarianceProcessor",
     "CreateCVFastNlMeansDenoisingFilter",
+    "CreateCVHogSvmHumanClassifier",
     "CreateCVImageAbsSubtractor",
     "CreateCVKMeanColorExtractor",
     "CreateCVLaplacianVarianceProcessor",

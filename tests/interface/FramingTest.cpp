@@ -105,6 +105,10 @@ struct ShapeRate
     static constexpr const char* kFactory = "CreateCVContourRateCalculator";
     static constexpr bool kUpdater = false;
 };
+struct People : Operation<ClassificationOptions, ClassificationData, ClassificationResult> {
+    static constexpr const char* kFactory = "CreateCVHogSvmHumanClassifier";
+    static constexpr bool kUpdater = false;
+};
 struct Cascade : Operation<ClassificationOptions, ClassificationData, ClassificationResult> {
     static constexpr const char* kFactory = "CreateCVCascadeClassifier";
     static constexpr bool kUpdater = false;
@@ -171,8 +175,8 @@ protected:
 };
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity, ObjectContour, ShapeRate, Cascade, RotatedRect, ClothingColors,
-                                  Clusters, Intersection, Occupancy>;
+                                  Tracker, Similarity, ObjectContour, ShapeRate, People, Cascade, RotatedRect,
+                                  ClothingColors, Clusters, Intersection, Occupancy>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
