@@ -3,6 +3,7 @@
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
 #include "Quarry.OpenCV/CVCascadeClassifier.h"
 #include "Quarry.OpenCV/CVClustererContours.h"
+#include "Quarry.OpenCV/CVColorProcessor.h"
 #include "Quarry.OpenCV/CVContourComparator.h"
 #include "Quarry.OpenCV/CVContourIntersectionProcessor.h"
 #include "Quarry.OpenCV/CVContourMaskProcessor.h"
@@ -40,6 +41,10 @@ void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* opti
 
 void CreateCVContourCalculator(void** handle, ContourCalcingOptions* options) {
     Create<CVContourProcessor>(handle, options);
+}
+
+void CreateCVColorComparator(void** handle, ColorComparingOptions* options) {
+    Create<CVColorProcessor>(handle, options);
 }
 
 void CreateCVContourRateCalculator(void** handle, ContourRateMeasuringOptions* options) {

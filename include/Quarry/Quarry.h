@@ -90,6 +90,9 @@ QUARRY_API void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOp
 /// Contour of an object: takes ContourCalcingInputData, gives ContourResult (processor).
 QUARRY_API void CreateCVContourCalculator(void** handle, ContourCalcingOptions* options);
 
+/// Colours of a region in two frames: takes ColorComparingInputData, gives ColorComparingOutputData (processor).
+QUARRY_API void CreateCVColorComparator(void** handle, ColorComparingOptions* options);
+
 /// Shape change rate: takes ContourRateMeasuringInputData, gives ContourRateMeasuringOutputData (processor).
 /// A contour that counts 0 points aborts the process.
 QUARRY_API void CreateCVContourRateCalculator(void** handle, ContourRateMeasuringOptions* options);

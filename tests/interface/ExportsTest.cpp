@@ -75,6 +75,7 @@ const Names kFactories = {
     "CreateCVBackgroundModel",
     "CreateCVCascadeClassifier",
     "CreateCVClustererContours",
+    "CreateCVColorComparator",
     "CreateCVContourCalculator",
     "CreateCVContourIntersectionProcessor",
     "CreateCVContourMaskProcessor",

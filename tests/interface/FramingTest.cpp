@@ -100,6 +100,10 @@ struct ObjectContour : Operation<ContourCalcingOptions, ContourCalcingInputData,
     static constexpr const char* kFactory = "CreateCVContourCalculator";
     static constexpr bool kUpdater = false;
 };
+struct ColorComparison : Operation<ColorComparingOptions, ColorComparingInputData, ColorComparingOutputData> {
+    static constexpr const char* kFactory = "CreateCVColorComparator";
+    static constexpr bool kUpdater = false;
+};
 struct ShapeRate
     : Operation<ContourRateMeasuringOptions, ContourRateMeasuringInputData, ContourRateMeasuringOutputData> {
     static constexpr const char* kFactory = "CreateCVContourRateCalculator";
@@ -175,8 +179,8 @@ protected:
 };
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity, ObjectContour, ShapeRate, People, Cascade, RotatedRect,
-                                  ClothingColors, Clusters, Intersection, Occupancy>;
+                                  Tracker, Similarity, ObjectContour, ColorComparison, ShapeRate, People, Cascade,
+                                  RotatedRect, ClothingColors, Clusters, Intersection, Occupancy>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
