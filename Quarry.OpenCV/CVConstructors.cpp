@@ -18,6 +18,7 @@
 #include "Quarry.OpenCV/CVLaplacianVarianceProcessor.h"
 #include "Quarry.OpenCV/CVMosseTrackerUpdater.h"
 #include "Quarry.OpenCV/CVOpticalFlowLineInvoker.h"
+#include "Quarry.OpenCV/CVPixelwiseFireProcessor.h"
 #include "Quarry.OpenCV/CVRectExtractor.h"
 #include "Quarry/Quarry.h"
 
@@ -109,6 +110,10 @@ void CreateCVMosseTracker(void** handle, MosseTrackerOptions* options) {
 
 void CreateCVCosineSimilarity(void** handle, ProcessOptions* options) {
     Create<CVCosineSimilarity>(handle, options);
+}
+
+void CreateCVPixelwiseFireProcessor(void** handle, ProcessOptions* options) {
+    Create<CVPixelwiseFireProcessor>(handle, options);
 }
 
 }  // extern "C"

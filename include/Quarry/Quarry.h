@@ -147,6 +147,9 @@ QUARRY_API void CreateCVMosseTracker(void** handle, MosseTrackerOptions* options
 /// Cosine similarity of two embeddings: takes EmbeddingData, gives CosineOutputData (processor).
 QUARRY_API void CreateCVCosineSimilarity(void** handle, ProcessOptions* options);
 
+/// Fire pixels: takes FireInputData, gives FireOutputData (processor).
+QUARRY_API void CreateCVPixelwiseFireProcessor(void** handle, ProcessOptions* options);
+
 #ifdef __cplusplus
 }
 #endif

@@ -90,6 +90,7 @@ const Names kFactories = {
     "CreateCVLaplacianVarianceProcessor",
     "CreateCVMosseTracker",
     "CreateCVOpticalFlowLineProcessor",
+    "CreateCVPixelwiseFireProcessor",
     "CreateCVRectExtractor",
 };
 
