@@ -1,5 +1,6 @@
 #include <stdexcept>
 
+#include "Quarry.OpenCV/CVAffineTransformProcessor.h"
 #include "Quarry.OpenCV/CVBackgroundUpdater.h"
 #include "Quarry.OpenCV/CVCascadeClassifier.h"
 #include "Quarry.OpenCV/CVClustererContours.h"
@@ -94,6 +95,10 @@ void CreateCVContourIntersectionProcessor(void** handle, ContourIntersectionProc
 
 void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessorOptions* options) {
     Create<CVContourMaskProcessor>(handle, options);
+}
+
+void CreateCVAffineTransformProcessor(void** handle, TransformOptions* options) {
+    Create<CVAffineTransformProcessor>(handle, options);
 }
 
 void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {

@@ -134,6 +134,10 @@ QUARRY_API void CreateCVContourIntersectionProcessor(void** handle, ContourInter
 /// `DisposeResult` leaves the grid in place: the host releases it with DestroyContourMaskProcessorResult (Memory.h).
 QUARRY_API void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessorOptions* options);
 
+/// Alignment by five point pairs: takes AffineTransformData, gives TransformResult (processor). Any other number of
+/// points aborts the process.
+QUARRY_API void CreateCVAffineTransformProcessor(void** handle, TransformOptions* options);
+
 /// Sharpness of a frame: takes VoLInputData, gives VoLOutputData (processor).
 QUARRY_API void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
 

@@ -72,6 +72,7 @@ std::string Missing(const Names& from, const Names& in) {
 /// The functions with C linkage: they have no mangled name.
 const Names kDrivers = {"Process", "DisposeResult", "Update", "GetUpdateResult", "Dispose"};
 const Names kFactories = {
+    "CreateCVAffineTransformProcessor",
     "CreateCVBackgroundModel",
     "CreateCVCascadeClassifier",
     "CreateCVClustererContours",

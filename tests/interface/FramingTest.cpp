@@ -138,6 +138,10 @@ struct Occupancy : Operation<ContourMaskProcessorOptions, ContourMaskProcessorDa
     static constexpr const char* kFactory = "CreateCVContourMaskProcessor";
     static constexpr bool kUpdater = false;
 };
+struct Alignment : Operation<TransformOptions, AffineTransformData, TransformResult> {
+    static constexpr const char* kFactory = "CreateCVAffineTransformProcessor";
+    static constexpr bool kUpdater = false;
+};
 struct Fire : Operation<ProcessOptions, FireInputData, FireOutputData> {
     static constexpr const char* kFactory = "CreateCVPixelwiseFireProcessor";
     static constexpr bool kUpdater = false;
@@ -184,7 +188,7 @@ protected:
 
 using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
                                   Tracker, Similarity, ObjectContour, ColorComparison, ShapeRate, People, Cascade,
-                                  RotatedRect, ClothingColors, Clusters, Intersection, Occupancy, Fire>;
+                                  RotatedRect, ClothingColors, Clusters, Intersection, Occupancy, Alignment, Fire>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
