@@ -21,6 +21,7 @@
 #include "Quarry.OpenCV/CVOpticalFlowLineInvoker.h"
 #include "Quarry.OpenCV/CVPixelwiseFireProcessor.h"
 #include "Quarry.OpenCV/CVRectExtractor.h"
+#include "Quarry.OpenCV/CVRotationTransformProcessor.h"
 #include "Quarry/Quarry.h"
 
 namespace {
@@ -99,6 +100,10 @@ void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessorOptions* op
 
 void CreateCVAffineTransformProcessor(void** handle, TransformOptions* options) {
     Create<CVAffineTransformProcessor>(handle, options);
+}
+
+void CreateCVRotationTransformProcessor(void** handle, TransformOptions* options) {
+    Create<CVRotationTransformProcessor>(handle, options);
 }
 
 void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options) {

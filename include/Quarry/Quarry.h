@@ -138,6 +138,9 @@ QUARRY_API void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessor
 /// points aborts the process.
 QUARRY_API void CreateCVAffineTransformProcessor(void** handle, TransformOptions* options);
 
+/// Rotation of a frame: takes RotationTransformData, gives TransformResult (processor).
+QUARRY_API void CreateCVRotationTransformProcessor(void** handle, TransformOptions* options);
+
 /// Sharpness of a frame: takes VoLInputData, gives VoLOutputData (processor).
 QUARRY_API void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
 

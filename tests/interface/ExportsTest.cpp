@@ -93,6 +93,7 @@ const Names kFactories = {
     "CreateCVOpticalFlowLineProcessor",
     "CreateCVPixelwiseFireProcessor",
     "CreateCVRectExtractor",
+    "CreateCVRotationTransformProcessor",
 };
 
 const Names kMemory = {

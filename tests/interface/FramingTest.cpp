@@ -142,6 +142,10 @@ struct Alignment : Operation<TransformOptions, AffineTransformData, TransformRes
     static constexpr const char* kFactory = "CreateCVAffineTransformProcessor";
     static constexpr bool kUpdater = false;
 };
+struct Rotation : Operation<TransformOptions, RotationTransformData, TransformResult> {
+    static constexpr const char* kFactory = "CreateCVRotationTransformProcessor";
+    static constexpr bool kUpdater = false;
+};
 struct Fire : Operation<ProcessOptions, FireInputData, FireOutputData> {
     static constexpr const char* kFactory = "CreateCVPixelwiseFireProcessor";
     static constexpr bool kUpdater = false;
@@ -186,9 +190,10 @@ protected:
     void* handle = nullptr;
 };
 
-using Operations = testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness,
-                                  Tracker, Similarity, ObjectContour, ColorComparison, ShapeRate, People, Cascade,
-                                  RotatedRect, ClothingColors, Clusters, Intersection, Occupancy, Alignment, Fire>;
+using Operations =
+    testing::Types<ImageDifference, Background, DenseFlow, FlowLine, Denoising, Sharpness, FaceSharpness, Tracker,
+                   Similarity, ObjectContour, ColorComparison, ShapeRate, People, Cascade, RotatedRect, ClothingColors,
+                   Clusters, Intersection, Occupancy, Alignment, Rotation, Fire>;
 TYPED_TEST_SUITE(FramingOfEveryOperation, Operations, );
 
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
