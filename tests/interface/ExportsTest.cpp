@@ -35,17 +35,17 @@ std::vector<std::string> LinesOf(const std::string& command) {
     return lines;
 }
 
-/// The symbols that the built object defines for others, as nm names them: the last word of each line.
-std::vector<std::string> BuiltSymbols() {
+/// The symbols that a built object defines for others, as nm names them: the last word of each line.
+std::vector<std::string> BuiltSymbols(const std::string& object = QUARRY_LIBRARY) {
     std::vector<std::string> symbols;
-    for (const std::string& line : LinesOf(QUARRY_NM " -D --defined-only '" QUARRY_LIBRARY "'")) {
+    for (const std::string& line : LinesOf(QUARRY_NM " -D --defined-only '" + object + "'")) {
         symbols.push_back(line.substr(line.rfind(' ') + 1));
     }
     return symbols;
 }
 
-std::vector<std::string> ListedSymbols() {
-    std::ifstream list(QUARRY_EXPORTS);
+std::vector<std::string> ListedSymbols(const std::string& folder = "Quarry.OpenCV") {
+    std::ifstream list(QUARRY_SOURCE_DIRECTORY "/" + folder + "/exports.txt");
     return {std::istream_iterator<std::string>(list), std::istream_iterator<std::string>()};
 }
 
@@ -200,12 +200,25 @@ TEST(Exports, AreFoundByName) {
     }
 }
 
-TEST(SharedObject, NamesItsInterfaceVersion) {
-    const std::vector<std::string> lines = LinesOf(QUARRY_READELF " -d '" QUARRY_LIBRARY "'");
-    const auto soname = std::find_if(
-        lines.begin(), lines.end(), [](const std::string& line) { return line.find("(SONAME)") != std::string::npos; });
-    ASSERT_NE(soname, lines.end());
-    EXPECT_NE(soname->find("[libQuarry.OpenCV.so.1]"), std::string::npos) << *soname;
+TEST(GuardExports, AreDriversAndFactoriesTheMessageAndTheGridsRelease) {
+    Names expected = {"GuardMessage", "GuardDestroyContourMaskProcessorResult"};
+    for (const std::string& name : kDrivers) expected.insert("Guard" + name);
+    for (const std::string& name : kFactories) expected.insert("Guard" + name);
+    EXPECT_EQ(Set(BuiltSymbols(QUARRY_GUARD)), expected);
+    EXPECT_EQ(Set(ListedSymbols("Quarry.Guard")), expected);
+}
+
+/// The line of the dynamic section that names the interface of an object.
+std::string SonameOf(const std::string& object) {
+    for (const std::string& line : LinesOf(QUARRY_READELF " -d '" + object + "'")) {
+        if (line.find("(SONAME)") != std::string::npos) return line;
+    }
+    return "none";
+}
+
+TEST(SharedObjects, NameTheirInterfaceVersion) {
+    EXPECT_NE(SonameOf(QUARRY_LIBRARY).find("[libQuarry.OpenCV.so.1]"), std::string::npos) << SonameOf(QUARRY_LIBRARY);
+    EXPECT_NE(SonameOf(QUARRY_GUARD).find("[libQuarry.Guard.so.1]"), std::string::npos) << SonameOf(QUARRY_GUARD);
 }
 
 }  // namespace

@@ -1,0 +1,20 @@
+# quarry_shared_object(target Name): libName.so with its soname, whose exports are those that the exports.txt of the
+# current folder lists; the linker hides everything else, the instances of standard templates included.
+function(quarry_shared_object target name)
+  set(exports "${CMAKE_CURRENT_SOURCE_DIR}/exports.txt")
+  set(map "${CMAKE_CURRENT_BINARY_DIR}/exports.map")
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${exports}")
+  file(STRINGS "${exports}" symbols)
+  list(JOIN symbols ";\n    " symbols)
+  file(CONFIGURE OUTPUT exports.map CONTENT "{\n  global:\n    @symbols@;\n  local:\n    *;\n};\n" @ONLY)
+  set_target_properties(${target} PROPERTIES
+    OUTPUT_NAME ${name}
+    VERSION ${PROJECT_VERSION}
+    SOVERSION 1
+    LINK_DEPENDS "${map}"
+    LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+  target_include_directories(${target} INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${map}" LINKER:--no-undefined)
+endfunction()
