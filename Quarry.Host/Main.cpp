@@ -1,5 +1,7 @@
 /// @file
 /// The `quarry` command: the library's operations on pictures and videos.
+#include <Quarry/Version.h>
+
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <opencv2/core/utils/logger.hpp>

@@ -20,6 +20,7 @@ function(quarry_check_every_source_is_listed)
   file(GLOB_RECURSE present CONFIGURE_DEPENDS
     "${PROJECT_SOURCE_DIR}/Quarry.*/*.c*" "${PROJECT_SOURCE_DIR}/tests/*.c*" "${PROJECT_SOURCE_DIR}/benchmarks/*.c*")
   list(FILTER present INCLUDE REGEX "\\.(c|cpp)$")
+  list(FILTER present EXCLUDE REGEX "^${PROJECT_SOURCE_DIR}/tests/install/sample/")  # a project of its own
   foreach(directory Quarry.Host tests benchmarks)
     string(TOUPPER ${directory} option)
     string(REPLACE "QUARRY." "" option ${option})

@@ -1,5 +1,7 @@
 #include "Demo/Page.h"
 
+#include <Quarry/Version.h>
+
 #include "Demo/Html.h"
 
 namespace quarry::host {
