@@ -83,11 +83,13 @@ int32_t GuardDestroyContourMaskProcessorResult(ContourMaskProcessorResult* resul
     return Guarded([&] { DestroyContourMaskProcessorResult(result); });
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types do not stand in parentheses
 #define QUARRY_GUARD_DEFINE(Factory, Options)                 \
     int32_t Guard##Factory(void** handle, Options* options) { \
         return Guarded([&] { Factory(handle, options); });    \
     }
 QUARRY_GUARD_FACTORIES(QUARRY_GUARD_DEFINE)
 #undef QUARRY_GUARD_DEFINE
+// NOLINTEND(bugprone-macro-parentheses)
 
 }  // extern "C"

@@ -14,6 +14,7 @@ public:
 constexpr int kExitFine = 0;
 constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
+constexpr int kExitInterrupted = 130;
 
 /// What the exception being handled says, whatever its kind; call it inside a `catch`.
 std::string CurrentReason();

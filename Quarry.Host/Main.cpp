@@ -19,7 +19,8 @@ constexpr const char* kFooter = R"(Examples:
   quarry demo --media media --out demo
 
 `quarry VERB --help` tells more about a verb.
-Exit codes: 0 fine, 1 something failed, 2 wrong usage. Each error is one line on stderr.)";
+Exit codes: 0 fine, 1 something failed, 2 wrong usage, 130 interrupted by Ctrl-C (what was
+written until then is complete). Each error is one line on stderr.)";
 
 int RunChosen(const std::vector<Verb>& verbs) {
     for (const Verb& verb : verbs) {

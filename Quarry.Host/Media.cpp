@@ -10,8 +10,6 @@
 namespace quarry::host {
 namespace {
 
-/// What a video without a usable rate is taken to have.
-constexpr double kUsualRate = 25;
 constexpr double kHighestRate = 10'000;
 
 /// The readers of files only: left to itself, OpenCV goes on to look for cameras and numbered pictures.
@@ -62,6 +60,16 @@ VideoReader::VideoReader(const std::filesystem::path& path) {
     CheckIsFile(path);
     const SilencedStderr silence;
     if (!Open(capture, path)) throw Failure(path.string() + ": not a video that can be read");
+    TakeOver();
+}
+
+VideoReader::VideoReader(int camera) {
+    const SilencedStderr silence;
+    if (!capture.open(camera)) throw Failure(std::to_string(camera) + ": no such file, and no camera of that number");
+    TakeOver();
+}
+
+void VideoReader::TakeOver() {
     rate = capture.get(cv::CAP_PROP_FPS);
     if (!(rate > 0 && rate <= kHighestRate)) rate = kUsualRate;
     count = DeclaredFrames(capture);
@@ -70,6 +78,11 @@ VideoReader::VideoReader(const std::filesystem::path& path) {
 bool VideoReader::Read(cv::Mat& frame) {
     const SilencedStderr silence;
     return capture.read(frame) && !frame.empty();
+}
+
+bool VideoReader::Skip() {
+    const SilencedStderr silence;
+    return capture.grab();
 }
 
 VideoFile::VideoFile(const std::filesystem::path& path_, double framesPerSecond)

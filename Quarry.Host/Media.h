@@ -7,6 +7,7 @@
 #include <opencv2/videoio.hpp>
 #include <string>
 
+#include "FrameSource.h"
 #include "OutputFile.h"
 
 namespace quarry::host {
@@ -47,24 +48,30 @@ private:
     TextFile file;
 };
 
-/// The frames of a video file, in order.
-class VideoReader {
+/// Frames per second of what does not say how many it has.
+constexpr double kUsualRate = 25;
+
+/// The frames of a video file or a camera.
+class VideoReader : public FrameSource {
 public:
     /// @throws Failure  there is no such file or it is not a video
     explicit VideoReader(const std::filesystem::path& path);
 
-    /// The next frame, 8-bit B, G, R with packed rows.
-    /// @return false after the last frame
-    bool Read(cv::Mat& frame);
+    /// @throws Failure  there is no such camera
+    explicit VideoReader(int camera);
 
-    double framesPerSecond() const { return rate; }
+    bool Read(cv::Mat& frame) override;
+    bool Skip() override;
+    double framesPerSecond() const override { return rate; }
     /// As the file declares it, 0 when it does not.
-    int frameCount() const { return count; }
+    int frameCount() const override { return count; }
 
 private:
+    void TakeOver();
+
     cv::VideoCapture capture;
-    double rate;
-    int count;
+    double rate = 0;
+    int count = 0;
 };
 
 /// A Motion JPEG video that appears under its name when it is complete.

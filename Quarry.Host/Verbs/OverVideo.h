@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <climits>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
@@ -13,6 +14,11 @@ struct VideoOptions {
     std::string video;
     std::string annotated;  ///< empty: not wanted
     bool json = false;
+    bool csv = false;
+    int first = 0;      ///< index of the first frame that is taken
+    int end = INT_MAX;  ///< index of the first one that no longer is
+    int every = 1;      ///< 2: every second one
+    int threads = 0;    ///< of OpenCV; 0: as many as there are cores
 };
 
 /// @param shown  what the annotated video shows: "its foreground marked"
@@ -47,7 +53,8 @@ public:
     virtual std::string Summary() const = 0;
 };
 
-/// Plays the video and writes a line per frame, and the annotated video where it is wanted.
+/// Plays the video and writes a line per frame, and the annotated video where it is wanted. Ctrl-C ends it early; what
+/// is written is complete then, too.
 /// @param label  of the progress bar
 /// @return the exit code
 int RunOverVideo(const VideoOptions& options, const std::string& label, FrameByFrame& verb);

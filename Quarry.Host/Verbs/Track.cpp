@@ -47,7 +47,7 @@ public:
     explicit Tracking(const Options& options) : target(options.target), tracker(options.mode, options.target) {}
 
     void Take(const VideoFrame& frame) override {
-        if (frame.index == 0) CheckLiesWithin(target, frame.pixels.size());
+        if (milliseconds.empty()) CheckLiesWithin(target, frame.pixels.size());
         last = frame;
         view = tracker.Take(frame.pixels);
         milliseconds.push_back(view.milliseconds);
@@ -103,7 +103,7 @@ int Run(const Options& options) {
 Verb AddTrack(CLI::App& commandLine) {
     const auto options = std::make_shared<Options>();
     CLI::App* const command =
-        commandLine.add_subcommand("track", "Follows one target through a video, from a rectangle in its first frame");
+        commandLine.add_subcommand("track", "Follows one target through a video, from a rectangle in the first frame that is read");
     command->footer(kFooter);
     AddVideoOptions(*command, options->video, "the rectangle drawn");
     command

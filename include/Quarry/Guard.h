@@ -74,6 +74,7 @@ QUARRY_API int32_t GuardDestroyContourMaskProcessorResult(ContourMaskProcessorRe
 
 /// One function per factory: `int32_t GuardCreateCVMosseTracker(void** handle, MosseTrackerOptions* options)` and so
 /// on.
+// NOLINTNEXTLINE(bugprone-macro-parentheses): types do not stand in parentheses
 #define QUARRY_GUARD_DECLARE(Factory, Options) QUARRY_API int32_t Guard##Factory(void** handle, Options* options);
 QUARRY_GUARD_FACTORIES(QUARRY_GUARD_DECLARE)
 #undef QUARRY_GUARD_DECLARE
