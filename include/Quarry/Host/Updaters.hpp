@@ -1,0 +1,205 @@
+/// @file
+/// Operations that keep state from frame to frame of one stream. Their results show the updater's own buffers, which
+/// its next `Update` changes.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "Quarry/Host/Operation.hpp"
+
+namespace quarry {
+
+/// What a BackgroundModel made of the last frame.
+class BackgroundPictures : public Current<BackgroundResult> {
+public:
+    using Current::Current;
+
+    /// 255 foreground, 0 background.
+    MaskView foreground() const { return {record().ForegroundMask, image().width, image().height}; }
+    /// With the last frame's timestamp.
+    ImageView background() const { return {image().data, image().width, image().height, image().timestamp}; }
+
+private:
+    const Image& image() const { return *record().BackgroundImage; }
+};
+
+/// Background picture and foreground mask of a stream of frames. A frame of another size begins a new model.
+class BackgroundModel : public detail::Updater<CreateCVBackgroundModel, BackgroundData> {
+public:
+    struct Options {
+        float sensitivity = 0.5F;      ///< 0..1: what differs by more than 60 - 20 x it is foreground, in grey levels
+        int historyLength = 500;       ///< frames of history of the mixture model
+        float adaptationSeconds = 10;  ///< in which most of the background is replaced, once it is learnt
+        float learningSpeedup = 4;  ///< divides `adaptationSeconds` while the background is being learnt; 0: does not
+    };
+
+    BackgroundModel() : BackgroundModel(Options{}) {}
+    /// @throws std::invalid_argument  `sensitivity` is not in 0..1
+    explicit BackgroundModel(const Options& options)
+        : Updater({0, detail::Fraction("quarry::BackgroundModel::Options.sensitivity", options.sensitivity),
+                   options.historyLength, options.adaptationSeconds, options.learningSpeedup}) {}
+
+    /// Takes the next frame in, and reads it no more once it has returned.
+    /// @param frame  its timestamp counts: not 0, and never before that of the frame before it
+    /// @return Accumulating while the background is being learnt, then Ready
+    /// @throws std::invalid_argument  the timestamp is 0 or goes back
+    /// @throws cv::Exception          the frame is empty
+    UpdaterState Update(const ImageView& frame) {
+        CheckClock(frame);
+        pictures.reset();  // a frame that fails may have ended the buffers
+        const UpdaterState state = Take({0, frame.record(), 0});
+        lastTimestamp = frame.timestamp();
+        lastWidth = frame.width();
+        lastHeight = frame.height();
+        // The library reads the frame again when it is asked for the result: ask while the frame is there for sure.
+        pictures.emplace(handle());
+        return state;
+    }
+
+    /// Valid until the next Update.
+    /// @throws std::logic_error  there was no Update, or the last one failed
+    BackgroundPictures Result() const {
+        if (!pictures) throw std::logic_error("quarry::BackgroundModel: no frame was taken in; call Update first");
+        return *pictures;
+    }
+
+private:
+    void CheckClock(const ImageView& frame) const {
+        if (frame.timestamp() == 0) {
+            detail::Refuse(
+                "quarry::BackgroundModel: the frame's timestamp is 0; 1 or more, in ticks of 100 ns, is "
+                "needed");
+        }
+        const bool sameStream = frame.width() == lastWidth && frame.height() == lastHeight;
+        if (sameStream && frame.timestamp() < lastTimestamp) {
+            detail::Refuse("quarry::BackgroundModel: the frame's timestamp is " + std::to_string(frame.timestamp()) +
+                           "; at least that of the frame before it, " + std::to_string(lastTimestamp) + ", is needed");
+        }
+    }
+
+    uint64_t lastTimestamp = 0;  ///< ticks
+    int lastWidth = 0;
+    int lastHeight = 0;
+    std::optional<BackgroundPictures> pictures;
+};
+
+/// The motion that a DenseOpticalFlow found.
+class FlowResult : public Current<OFCResult> {
+public:
+    using Current::Current;
+
+    FlowView view() const { return {field().data, field().width, field().height}; }
+    operator FlowView() const { return view(); }
+
+    int width() const { return field().width; }
+    int height() const { return field().height; }
+    const AbsVector* data() const { return field().data; }
+    /// @param x, y  inside the field; they are not checked
+    const AbsVector& At(int x, int y) const { return view().At(x, y); }
+
+private:
+    const AbsVectorMatrix& field() const { return *record().FlowMatrix; }
+};
+
+/// How far every pixel moved from the previous frame to the current one. A frame of another size begins anew.
+class DenseOpticalFlow : public detail::Updater<CreateCVDenseOpticalFlowCalculator, OFCData> {
+public:
+    struct Options {
+        std::optional<float> detail =
+            std::nullopt;  ///< 0..1: larger values give a smaller averaging window (27 to 7 pixels); else 18
+        std::optional<float> quality =
+            std::nullopt;  ///< 0..1: pyramid levels and iterations (0 to 10 each); else 5 and 3
+    };
+
+    DenseOpticalFlow() : DenseOpticalFlow(Options{}) {}
+    /// @throws std::invalid_argument  an option is given and not in 0..1
+    explicit DenseOpticalFlow(const Options& options)
+        : Updater({0, FractionOrDefault("quarry::DenseOpticalFlow::Options.detail", options.detail), 0,
+                   FractionOrDefault("quarry::DenseOpticalFlow::Options.quality", options.quality)}) {}
+
+    /// @param frame  R, G, B
+    /// @return Ready once there were two frames
+    UpdaterState Update(const ImageView& frame) { return Take({0, frame.record()}); }
+
+    /// Valid until the next Update. Zeros as long as there was one frame only.
+    /// @throws std::logic_error  there was no Update
+    FlowResult Result() const { return FlowResult(handle()); }
+
+private:
+    /// The library takes what is no fraction for its default.
+    static float FractionOrDefault(const char* what, const std::optional<float>& value) {
+        return value ? detail::Fraction(what, *value) : -1.0F;
+    }
+};
+
+/// A rectangle in pixels.
+struct Box {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
+/// How a MosseTracker adapts.
+enum class TrackerMode : uint32_t {
+    Careful = 0,  ///< learning rate 0.2, peak-to-sidelobe threshold 5.7
+    Eager = 1     ///< 0.3 and 3.0
+};
+
+/// Where a target is.
+struct Track {
+    Box target;  ///< the filter's window: as large as was asked for, or a little larger
+    bool found;  ///< whether the last frame showed the target
+};
+
+/// Follows one rectangle through a stream of frames with a correlation filter.
+class MosseTracker : public detail::Updater<CreateCVMosseTracker, MosseTrackerData> {
+public:
+    struct Options {
+        TrackerMode mode = TrackerMode::Careful;
+    };
+
+    MosseTracker() : MosseTracker(Options{}) {}
+    explicit MosseTracker(const Options& options) : Updater({0, {}, static_cast<uint32_t>(options.mode)}) {}
+
+    /// Takes the first frame in: trains the filter on the target, and searches it as Update does.
+    /// @param target  2 x 2 pixels or more
+    /// @return whether the target was found
+    /// @throws std::invalid_argument  a value of the rectangle does not fit 16 bits
+    /// @throws std::logic_error       it was started before: another target takes another tracker
+    /// @throws cv::Exception          the frame is empty, or the rectangle too small; the tracker can be started again
+    bool Start(const ImageView& frame, const Box& target) {
+        if (started)
+            throw std::logic_error("quarry::MosseTracker: it follows a target already; create another tracker");
+        Take({0,
+              frame.record(),
+              {detail::Short("quarry::Box.x", target.x), detail::Short("quarry::Box.y", target.y),
+               detail::Short("quarry::Box.width", target.width), detail::Short("quarry::Box.height", target.height)}});
+        started = true;
+        return Result().found;
+    }
+
+    /// Takes the next frame in.
+    /// @return whether the target was found
+    /// @throws std::logic_error  there was no Start
+    bool Update(const ImageView& frame) {
+        if (!started) throw std::logic_error("quarry::MosseTracker: it has no target; call Start with the first frame");
+        Take({0, frame.record(), {}});
+        return Result().found;
+    }
+
+    /// @throws std::logic_error  there was no Start
+    Track Result() const {
+        const Current<MosseTrackerResult> result(handle());
+        const PixelRect& rect = result.record().TargetRect;
+        return {{rect.X, rect.Y, rect.Width, rect.Height}, result.record().Found == 1};
+    }
+
+private:
+    bool started = false;
+};
+
+}  // namespace quarry
