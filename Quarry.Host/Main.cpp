@@ -17,6 +17,7 @@ constexpr const char* kFooter = R"(Examples:
   quarry background street.avi --out street-marked.avi
   quarry track street.avi --rect 310,140,40,90 --out street-tracked.avi
   quarry demo --media media --out demo
+  quarry describe mosse-tracker
 
 `quarry VERB --help` tells more about a verb.
 Exit codes: 0 fine, 1 something failed, 2 wrong usage, 130 interrupted by Ctrl-C (what was
@@ -38,8 +39,10 @@ int Main(int argc, char** argv) {
     app.set_version_flag("--version", "quarry " QUARRY_VERSION);
     app.require_subcommand(0, 1);
     app.footer(kFooter);
-    const std::vector<Verb> verbs = {AddSharpness(app),  AddDiff(app),  AddSimilarity(app), AddDenoise(app),
-                                     AddBackground(app), AddTrack(app), AddFlow(app),       AddDemo(app)};
+    const std::vector<Verb> verbs = {AddSharpness(app),  AddDiff(app),     AddSimilarity(app), AddDenoise(app),
+                                     AddBackground(app), AddTrack(app),    AddFlow(app),       AddContours(app),
+                                     AddOccupancy(app),  AddClusters(app), AddInside(app),     AddShapeRate(app),
+                                     AddDemo(app)};
     try {
         app.parse(argc, argv);
         return RunChosen(verbs);

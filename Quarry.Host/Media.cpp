@@ -30,6 +30,11 @@ void CheckIsFile(const std::filesystem::path& path) {
     if (std::filesystem::is_directory(path, ignored)) throw Failure(path.string() + ": is a folder");
 }
 
+bool IsPicture(const std::filesystem::path& path) {
+    const SilencedStderr silence;
+    return path.extension() == ".png" || path.extension() == ".jpg" || cv::haveImageReader(path.string());
+}
+
 cv::Mat ReadPicture(const std::filesystem::path& path) {
     CheckIsFile(path);
     const SilencedStderr silence;

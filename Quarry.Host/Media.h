@@ -15,6 +15,9 @@ namespace quarry::host {
 /// @throws Failure  there is no such file
 void CheckIsFile(const std::filesystem::path& path);
 
+/// Whether it is a picture rather than a video, by its content, or by its name where its content tells nothing.
+bool IsPicture(const std::filesystem::path& path);
+
 /// An 8-bit B, G, R picture, rows packed.
 /// @throws Failure  there is no such file or it is not a picture
 cv::Mat ReadPicture(const std::filesystem::path& path);

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "Console.h"
+#include "Demo/Moving.h"
 #include "Demo/Scene.h"
 #include "Media.h"
 
@@ -119,15 +120,17 @@ std::vector<Picture> RealPictures(const std::filesystem::path& folder) {
 }  // namespace
 
 Footage OpenFootage(const std::filesystem::path& folder) {
-    const std::optional<Clip> clip = RealClip(folder / kClipName);
+    const std::optional<Clip> real = RealClip(folder / kClipName);
     std::vector<Picture> pictures = RealPictures(folder);
     const bool picturesDrawn = pictures.empty();
     if (picturesDrawn) pictures = DrawnPictures();
-    if (!clip || picturesDrawn) {
-        const std::string missing = clip ? "pictures" : picturesDrawn ? "vtest.avi and pictures" : "vtest.avi";
+    if (!real || picturesDrawn) {
+        const std::string missing = real ? "pictures" : picturesDrawn ? "vtest.avi and pictures" : "vtest.avi";
         PrintError(folder.string() + ": no " + missing + " there that can be read; the demo draws its own");
     }
-    return {clip ? *clip : DrawnClip(), std::move(pictures), picturesDrawn};
+    Clip clip = real ? *real : DrawnClip();
+    clip.Foregrounds = ForegroundsOf(clip);
+    return {std::move(clip), std::move(pictures), picturesDrawn};
 }
 
 }  // namespace quarry::host

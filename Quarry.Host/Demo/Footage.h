@@ -36,6 +36,9 @@ struct Clip {
 
     /// Starts anew; each call of what it gives fills in the next frame, or says false after the last one.
     std::function<std::function<bool(cv::Mat&)>()> Play;
+
+    /// Masks of what moves in the frames that Demo/Moving.h takes; learnt when they are first asked for.
+    std::function<const std::vector<cv::Mat>&()> Foregrounds;
 };
 
 /// What the demo runs on.

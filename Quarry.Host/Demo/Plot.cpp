@@ -141,8 +141,13 @@ std::string Curve(const Plot& plot, const Area& area) {
 /// The curves' names at their ends.
 std::string CurveNames(const Plot& plot, const Area& area) {
     if (plot.x.empty() || plot.second.empty()) return "";
-    return Text(area.right - 4, area.Row(plot.y.back()) - 9, "end curvename", plot.name) +
-           Text(area.right - 4, area.Row(plot.second.back()) - 9, "end curvename second", plot.secondName);
+    constexpr double kApart = 16;
+    const double first = area.Row(plot.y.back()) - 9;
+    double second = area.Row(plot.second.back()) - 9;
+    if (second <= first && first - second < kApart) second = first - kApart;
+    if (second > first && second - first < kApart) second = first + kApart;
+    return Text(area.right - 4, first, "end curvename", plot.name) +
+           Text(area.right - 4, second, "end curvename second", plot.secondName);
 }
 
 std::string XAxis(const std::string& label, const Area& area) {

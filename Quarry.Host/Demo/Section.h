@@ -15,6 +15,11 @@
     SECTION(Flow)                     \
     SECTION(FlowLine)                 \
     SECTION(Difference)               \
+    SECTION(Contour)                  \
+    SECTION(Occupancy)                \
+    SECTION(Clusters)                 \
+    SECTION(Inside)                   \
+    SECTION(ShapeRate)                \
     SECTION(Sharpness)                \
     SECTION(FaceSharpness)            \
     SECTION(Denoising)                \

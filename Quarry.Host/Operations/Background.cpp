@@ -32,4 +32,10 @@ const char* NameOf(UpdaterState state) {
     return "unknown";
 }
 
+cv::Mat OnBlack(const cv::Mat& frame, const cv::Mat& foreground) {
+    cv::Mat picture(frame.size(), frame.type(), cv::Scalar::all(0));
+    frame.copyTo(picture, foreground);
+    return picture;
+}
+
 }  // namespace quarry::host

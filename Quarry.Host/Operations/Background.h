@@ -40,4 +40,7 @@ private:
 /// How the command names a state.
 const char* NameOf(UpdaterState state);
 
+/// The frame's foreground; the rest is black.
+cv::Mat OnBlack(const cv::Mat& frame, const cv::Mat& foreground);
+
 }  // namespace quarry::host

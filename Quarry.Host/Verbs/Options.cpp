@@ -82,6 +82,20 @@ void CheckIsNotAnInput(const std::string& option, const std::string& written, co
     }
 }
 
+cv::Size WidthAndHeight(const std::string& option, const std::string& text, const std::string& form) {
+    constexpr int kHigh = std::numeric_limits<int16_t>::max();
+    cv::Size size;
+    const char* const end = text.data() + text.size();
+    const auto [between, noWidth] = std::from_chars(text.data(), end, size.width);
+    if (noWidth == std::errc() && between != end && *between == 'x') {
+        const auto [after, noHeight] = std::from_chars(between + 1, end, size.height);
+        const bool fits = size.width >= 1 && size.width <= kHigh && size.height >= 1 && size.height <= kHigh;
+        if (noHeight == std::errc() && after == end && fits) return size;
+    }
+    throw CLI::ValidationError(
+        option, "must be " + form + ", whole numbers from 1 to " + std::to_string(kHigh) + ", not " + text);
+}
+
 std::string Format(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <array>
 #include <nlohmann/json.hpp>
+#include <opencv2/core.hpp>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,11 @@ std::array<float, 4> FourShares(const std::string& option, const std::string& te
 /// @param written  empty: nothing is written
 /// @throws CLI::ValidationError  it is one of the files that are read
 void CheckIsNotAnInput(const std::string& option, const std::string& written, const std::vector<std::string>& read);
+
+/// A width and a height, both whole numbers from 1 to 32767: "640x480".
+/// @param form  how they are meant: "WIDTHxHEIGHT"
+/// @throws CLI::ValidationError  they are not
+cv::Size WidthAndHeight(const std::string& option, const std::string& text, const std::string& form);
 
 /// Text as printf formats it.
 [[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...);

@@ -1,15 +1,13 @@
 #include "Operations/Similarity.h"
 
 #include <cmath>
-#include <fstream>
 #include <iostream>
-#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "Console.h"
-#include "Media.h"
+#include "Verbs/JsonFile.h"
 #include "Verbs/Options.h"
 #include "Verbs/Verbs.h"
 
@@ -32,26 +30,6 @@ struct Options {
     bool json = false;
 };
 
-nlohmann::json ReadJson(const std::string& path) {
-    CheckIsFile(path);
-    std::ifstream stream(path, std::ios::binary);
-    try {
-        return nlohmann::json::parse(stream);
-    } catch (const nlohmann::json::exception&) {
-        throw Failure(path + (stream.bad() ? ": cannot be read" : ": not JSON"));
-    }
-}
-
-float ValueOf(const nlohmann::json& value, std::size_t place, const std::string& path) {
-    const std::string named = path + ": value " + std::to_string(place + 1) + " of " + std::to_string(kEmbeddingLength);
-    if (!value.is_number()) throw Failure(named + " is not a number");
-    const double number = value.get<double>();
-    if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())) {
-        throw Failure(named + " is too large for single precision");
-    }
-    return static_cast<float>(number);
-}
-
 Embedding ReadEmbedding(const std::string& path) {
     const nlohmann::json values = ReadJson(path);
     if (!values.is_array())
@@ -61,7 +39,10 @@ Embedding ReadEmbedding(const std::string& path) {
                       std::to_string(kEmbeddingLength));
     }
     Embedding embedding{};
-    for (std::size_t i = 0; i < embedding.size(); ++i) embedding[i] = ValueOf(values[i], i, path);
+    for (std::size_t i = 0; i < embedding.size(); ++i) {
+        embedding[i] = SinglePrecision(
+            values[i], path + ": value " + std::to_string(i + 1) + " of " + std::to_string(kEmbeddingLength));
+    }
     return embedding;
 }
 

@@ -19,6 +19,11 @@ Verb AddSimilarity(CLI::App& commandLine);
 Verb AddDenoise(CLI::App& commandLine);
 Verb AddTrack(CLI::App& commandLine);
 Verb AddFlow(CLI::App& commandLine);
+Verb AddContours(CLI::App& commandLine);
+Verb AddOccupancy(CLI::App& commandLine);
+Verb AddClusters(CLI::App& commandLine);
+Verb AddInside(CLI::App& commandLine);
+Verb AddShapeRate(CLI::App& commandLine);
 Verb AddDemo(CLI::App& commandLine);
 
 }  // namespace quarry::host

@@ -14,8 +14,9 @@ void ExpectSelfContainedPage(const std::string& page) {
     for (std::size_t at = page.find("src=\""); at != std::string::npos; at = page.find("src=\"", at + 1)) {
         EXPECT_EQ(page.compare(at + 5, 11, "data:image/"), 0) << page.substr(at, 40);
     }
-    for (const char* const id : {"operations", "background", "tracking", "flow", "flow-line", "difference", "sharpness",
-                                 "face-sharpness", "denoising", "similarity"}) {
+    for (const char* const id :
+         {"operations", "background", "tracking", "flow", "flow-line", "difference", "contour", "occupancy", "clusters",
+          "inside", "shape-rate", "sharpness", "face-sharpness", "denoising", "similarity"}) {
         EXPECT_NE(page.find("<section id=\"" + std::string(id) + "\">"), std::string::npos) << id;
     }
     for (const char* const part : {"Time per frame, median", "<svg", "learning", "time, s", "foreground mask",
@@ -32,6 +33,17 @@ void ExpectSelfContainedPage(const std::string& page) {
         };
         EXPECT_EQ(count("<" + tag + ">") + count("<" + tag + " "), count("</" + tag + ">")) << tag;
     }
+}
+
+/// The page without the letters that stand for pixels.
+std::string WithoutPictures(const std::string& page) {
+    std::string rest;
+    std::size_t end = 0;
+    for (std::size_t at = page.find(";base64,"); at != std::string::npos; at = page.find(";base64,", end)) {
+        rest += page.substr(end, at - end);
+        end = page.find('"', at);
+    }
+    return rest + page.substr(end);
 }
 
 /// Every embedded picture decodes.
@@ -96,7 +108,7 @@ TEST_F(QuarryCommand, DemoManagesOneFrameAndOnePicture) {
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     const std::string page = ContentsOf(folder / "demo/report.html");
     ExpectSelfContainedPage(page);
-    EXPECT_EQ(page.find("nan"), std::string::npos);
+    EXPECT_EQ(WithoutPictures(page).find("nan"), std::string::npos);
 }
 
 TEST_F(QuarryCommand, DemoNamesAnOutputThatCannotBeWritten) {

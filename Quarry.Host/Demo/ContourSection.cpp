@@ -1,0 +1,151 @@
+#include <algorithm>
+#include <opencv2/imgproc.hpp>
+#include <string>
+#include <vector>
+
+#include "Demo/Html.h"
+#include "Demo/Moving.h"
+#include "Demo/Plot.h"
+#include "Demo/Section.h"
+#include "Demo/Shots.h"
+#include "Operations/ObjectContour.h"
+#include "OutlinePicture.h"
+#include "Progress.h"
+#include "Timing.h"
+
+namespace quarry::host {
+namespace {
+
+using html::Number;
+
+constexpr double kMargin = 0.25;  // around the object of the close-ups, in its sizes
+constexpr int kCloseUp = 340;     // pixels, the longer side
+constexpr int kDot = 2;           // pixels
+
+struct Method {
+    Tracing tracing;
+    const char* name;
+};
+constexpr Method kMethods[] = {{Tracing::None, "every pixel"},
+                               {Tracing::Simple, "ends of straight runs"},
+                               {Tracing::Tc89L1, "what shapes it most, L1"},
+                               {Tracing::Tc89Kcos, "what shapes it most, k-cosine"}};
+
+struct Run {
+    explicit Run(const Clip& clip) : shots(MovingFrames(clip)) {}
+
+    Plot area;
+    Shots shots;
+    std::vector<double> milliseconds;
+    int found = 0;  ///< frames
+    /// Of the second half, when the background is learnt, that with the largest contour.
+    MovingFrame largest{};
+    Outline largestOutline;
+};
+
+cv::Rect WholeOf(const cv::Mat& picture) {
+    return {{0, 0}, picture.size()};
+}
+
+Run Play(const Clip& clip) {
+    Run run(clip);
+    run.area.title = "Area of the largest contour over time";
+    run.area.xLabel = "time, s";
+    run.area.yLabel = "area, % of the frame";
+    ObjectContourFinder finder(ObjectContourSettings{});
+    Progress progress("contours", "frames", MovingFrames(clip));
+    const auto next = PlayMoving(clip);
+    for (MovingFrame frame; next(frame);) {
+        const Stopwatch watch;
+        const Outline outline = finder.Find(frame.foreground, WholeOf(frame.foreground));
+        run.milliseconds.push_back(watch.Milliseconds());
+        run.found += outline.points.empty() ? 0 : 1;
+        run.area.x.push_back(frame.seconds);
+        run.area.y.push_back(static_cast<double>(outline.area) * 100);
+        if (frame.index >= MovingFrames(clip) / 2 && outline.area > run.largestOutline.area) {
+            run.largest = frame;
+            run.largest.pixels = frame.pixels.clone();
+            run.largestOutline = outline;
+        }
+        if (run.shots.Wants(frame.index)) {
+            cv::Mat picture = frame.pixels.clone();
+            DrawPolygon(picture, outline.points, kMarkColour);
+            run.shots.Add(frame.seconds, picture, std::to_string(outline.points.size()) + " points");
+        }
+        progress.Advance();
+    }
+    run.area.marks = run.shots.marks();
+    return run;
+}
+
+/// The polygon in pixels of a picture of this size, with pixel centres at whole numbers.
+std::vector<cv::Point> PixelsOf(const Polygon& polygon, const cv::Size& size) {
+    std::vector<cv::Point> pixels;
+    for (const cv::Point2f& point : polygon) {
+        pixels.emplace_back(cvRound(point.x * static_cast<float>(size.width)),
+                            cvRound(point.y * static_cast<float>(size.height)));
+    }
+    return pixels;
+}
+
+/// The contour from near, with a dot for each of its points.
+cv::Mat CloseUp(const cv::Mat& frame, const Polygon& polygon) {
+    std::vector<cv::Point> pixels = PixelsOf(polygon, frame.size());
+    const cv::Rect object = cv::boundingRect(pixels);
+    const int margin = cvCeil(kMargin * std::max(object.width, object.height));
+    const cv::Rect near = (object + cv::Size(2 * margin, 2 * margin) - cv::Point(margin, margin)) & WholeOf(frame);
+    const double scale = kCloseUp / static_cast<double>(std::max(near.width, near.height));
+    cv::Mat picture;
+    cv::resize(frame(near), picture, {}, scale, scale, scale > 1 ? cv::INTER_CUBIC : cv::INTER_AREA);
+    for (cv::Point& pixel : pixels) {
+        pixel = {cvRound((pixel.x - near.x + 0.5) * scale), cvRound((pixel.y - near.y + 0.5) * scale)};
+    }
+    cv::polylines(picture, pixels, true, kMarkColour, 1, cv::LINE_AA);
+    for (const cv::Point& pixel : pixels) cv::circle(picture, pixel, kDot, kMarkColour, cv::FILLED, cv::LINE_AA);
+    return picture;
+}
+
+/// The largest contour as each of the methods traces it.
+std::string Methods(const Run& run) {
+    if (run.largestOutline.points.empty()) return "";
+    std::string figures;
+    for (const Method& method : kMethods) {
+        const cv::Mat& mask = run.largest.foreground;
+        const Polygon polygon = ObjectContourFinder({method.tracing, Selection::Area}).Find(mask, WholeOf(mask)).points;
+        if (polygon.empty()) continue;
+        figures += html::Figure(html::Jpeg(CloseUp(run.largest.pixels, polygon), kCloseUp, "The contour from near"),
+                                std::string(method.name) + " &middot; " + std::to_string(polygon.size()) + " points");
+    }
+    return "<h3>The largest of the second half, at " + Number(run.largest.seconds, 1) +
+           R"(&nbsp;s, and which points are kept</h3>
+<div class="four">)" +
+           figures + "</div>\n";
+}
+
+}  // namespace
+
+Section ContourSection(const Footage& footage) {
+    const Run run = Play(footage.clip);
+    const double share = run.found / static_cast<double>(run.milliseconds.size());
+
+    Section section;
+    section.id = "contour";
+    section.title = "Contour of an object";
+    section.summary = "Traces the largest object of a mask, in a rectangle of it or in all.";
+    section.input = MovingInput(footage.clip);
+    section.result = run.shots.TableHtml("A frame with its largest contour");
+    section.milliseconds = Quantile(run.milliseconds, 0.5);
+    section.counted = "without the background model";
+    section.body = R"(<div class="facts">)" +
+                   html::Fact(html::Time(section.milliseconds), "per frame, median, without the background model") +
+                   html::Fact(Number(share * 100, 0) + "&nbsp;%", "of the frames have an object") +
+                   html::Fact(Number(static_cast<double>(run.largestOutline.area) * 100, 2) + "&nbsp;%",
+                              "of the frame: the largest of the second half") +
+                   "</div>\n<h3>How large it is</h3>\n" + Svg(run.area) +
+                   "<p class=\"quiet\">Of each frame the contour of the largest area. Letters mark the instants shown "
+                   "below.</p>\n" +
+                   run.shots.Html("The contour") + Methods(run);
+    return section;
+}
+
+}  // namespace quarry::host

@@ -1,0 +1,116 @@
+#include "Operations/Clusters.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Annotation.h"
+#include "OutlinePicture.h"
+#include "Timing.h"
+#include "Verbs/Options.h"
+#include "Verbs/PictureOrVideo.h"
+#include "Verbs/PolygonFile.h"
+#include "Verbs/Verbs.h"
+
+namespace quarry::host {
+namespace {
+
+constexpr const char* kFooter =
+    R"(A cluster is something that hangs together and is surrounded by black: in a picture as it is,
+in a video in what moves (a background model is learnt from it, as by the verb background, and
+the rest of each frame is blackened). Things smaller than the share --min-area of the frame
+are none. `area %` is that of all clusters. With --json each cluster has
+  centre     its centre of mass, [x, y] in fractions of the frame's width and height; null
+             where there is no area, as of a line
+  area       share of the frame's area that its contour encloses
+  perimeter  the length of its contour in widths of the frame
+  points     of its contour, each [x, y] like the centre
+
+Examples:
+  quarry clusters street.avi --out street-clusters.avi
+  quarry clusters mask.png --min-area 0.01 --json)";
+
+struct Options {
+    VideoOptions input;
+    ClusterSettings settings;
+};
+
+nlohmann::ordered_json ObjectOf(const FoundCluster& cluster) {
+    nlohmann::ordered_json object = {{"centre", nullptr},
+                                     {"area", cluster.outline.area},
+                                     {"perimeter", cluster.outline.perimeter},
+                                     {"points", JsonOf(cluster.outline.points)}};
+    if (cluster.centre) object["centre"] = {cluster.centre->x, cluster.centre->y};
+    return object;
+}
+
+class Clusters : public FrameByFrame {
+public:
+    explicit Clusters(const Options& options) : shown(options.input.video), finder(options.settings) {}
+
+    void Take(const VideoFrame& frame) override {
+        last = frame;
+        const cv::Mat onBlack = shown.Take(frame);
+        const Stopwatch watch;
+        clusters = finder.Find(onBlack);
+        milliseconds.push_back(watch.Milliseconds());
+        inAll += clusters.size();
+        area = 0;
+        for (const FoundCluster& cluster : clusters) area += static_cast<double>(cluster.outline.area);
+    }
+
+    std::string TableHead() const override { return "  clusters    area %        ms"; }
+
+    std::string TableRow() const override {
+        return Format("  %8zu  %8.3f  %8.2f", clusters.size(), area * 100, milliseconds.back());
+    }
+
+    nlohmann::ordered_json Fields() const override {
+        nlohmann::ordered_json objects = nlohmann::ordered_json::array();
+        for (const FoundCluster& cluster : clusters) objects.push_back(ObjectOf(cluster));
+        return {{"clusters", objects}, {"milliseconds", milliseconds.back()}};
+    }
+
+    cv::Mat Annotated() const override {
+        return WithCaption(MarkClusters(last.pixels, clusters),
+                           shown.Place(last) + Format("%zu clusters   area %.2f %%", clusters.size(), area * 100));
+    }
+
+    std::string Summary() const override {
+        return Format("%.2f clusters on average, %.2f ms per frame (median)",
+                      static_cast<double>(inAll) / static_cast<double>(milliseconds.size()),
+                      Quantile(milliseconds, 0.5));
+    }
+
+private:
+    Shown shown;
+    ClusterFinder finder;
+    VideoFrame last{};
+    std::vector<FoundCluster> clusters;
+    double area = 0;  ///< 0..1 of the frame's, of all clusters
+    std::size_t inAll = 0;
+    std::vector<double> milliseconds;  ///< of the clusters alone
+};
+
+int Run(const Options& options) {
+    Clusters verb(options);
+    return RunOverPictureOrVideo(options.input, "clusters", verb);
+}
+
+}  // namespace
+
+Verb AddClusters(CLI::App& commandLine) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = commandLine.add_subcommand(
+        "clusters", "The things that move in a video, or that are not black in a picture: contours and centres");
+    command->footer(kFooter);
+    AddPictureOrVideoOptions(*command, options->input, "contours and centres drawn");
+    command->add_option("--min-area", options->settings.minArea, "Share of the frame that a thing must have to count")
+        ->check(Within(0, 1))
+        ->capture_default_str();
+    command->add_flag("--every-pixel", options->settings.everyPixel,
+                      "Keep every pixel of the borders, not only those that shape them");
+    return {command, [options] { return Run(*options); }};
+}
+
+}  // namespace quarry::host

@@ -1,0 +1,31 @@
+#include "Verbs/PolygonFile.h"
+
+#include <cstddef>
+
+#include "Console.h"
+#include "Verbs/JsonFile.h"
+
+namespace quarry::host {
+
+Polygon ReadPolygon(const std::string& path) {
+    const nlohmann::json points = ReadJson(path);
+    if (!points.is_array()) throw Failure(path + ": not a JSON array of points, [[x, y], [x, y], ...]");
+    if (points.empty()) throw Failure(path + ": holds no points");
+    Polygon polygon;
+    polygon.reserve(points.size());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const std::string named = path + ": point " + std::to_string(i + 1);
+        if (!points[i].is_array() || points[i].size() != 2) throw Failure(named + " is not [x, y]");
+        polygon.emplace_back(SinglePrecision(points[i][0], named + ": x"),
+                             SinglePrecision(points[i][1], named + ": y"));
+    }
+    return polygon;
+}
+
+nlohmann::ordered_json JsonOf(const Polygon& polygon) {
+    nlohmann::ordered_json points = nlohmann::ordered_json::array();
+    for (const cv::Point2f& point : polygon) points.push_back({point.x, point.y});
+    return points;
+}
+
+}  // namespace quarry::host

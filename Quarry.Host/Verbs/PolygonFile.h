@@ -1,0 +1,18 @@
+/// @file
+/// Polygons in JSON: [[x, y], [x, y], ...].
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "Operations/Outline.h"
+
+namespace quarry::host {
+
+/// A polygon of one point or more.
+/// @throws Failure  there is no such file or it holds none
+Polygon ReadPolygon(const std::string& path);
+
+nlohmann::ordered_json JsonOf(const Polygon& polygon);
+
+}  // namespace quarry::host
