@@ -10,7 +10,7 @@ namespace {
 const cv::Scalar kTint(40, 120, 255);  // B, G, R: orange
 const cv::Scalar kFound(80, 220, 60);
 const cv::Scalar kLost(50, 50, 235);
-constexpr int kTargetLine = 3;  // pixels
+constexpr int kLine = 3;  // pixels
 const cv::Scalar kStrip(32, 28, 26);
 const cv::Scalar kInk(235, 240, 240);
 constexpr double kTintShare = 0.45;
@@ -40,8 +40,22 @@ cv::Mat Mark(const cv::Mat& frame, const cv::Mat& foreground) {
 
 cv::Mat MarkTarget(const cv::Mat& frame, const cv::Rect& target, bool found) {
     cv::Mat picture = frame.clone();
-    cv::rectangle(picture, target, found ? kFound : kLost, kTargetLine);
+    cv::rectangle(picture, target, found ? kFound : kLost, kLine);
     return picture;
+}
+
+cv::Mat MarkFound(const cv::Mat& picture, const std::vector<cv::Rect>& found) {
+    cv::Mat marked = picture.clone();
+    for (const cv::Rect& rect : found) cv::rectangle(marked, rect, kFound, kLine);
+    return marked;
+}
+
+cv::Mat OutlineRegion(const cv::Mat& picture, const cv::Mat& region) {
+    cv::Mat outlined = picture.clone();
+    std::vector<std::vector<cv::Point>> contours;
+    cv::findContours(region, contours, cv::RETR_CCOMP, cv::CHAIN_APPROX_NONE);
+    cv::drawContours(outlined, contours, -1, kFound, kLine);
+    return outlined;
 }
 
 cv::Mat MarkFace(const cv::Mat& frame, const FaceEllipse& face) {

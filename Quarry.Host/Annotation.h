@@ -2,6 +2,7 @@
 
 #include <opencv2/core.hpp>
 #include <string>
+#include <vector>
 
 #include "Operations/Flow.h"
 #include "Operations/Sharpness.h"
@@ -13,6 +14,12 @@ cv::Mat Mark(const cv::Mat& frame, const cv::Mat& foreground);
 
 /// The frame with a rectangle: green where the target was found, red where it was not.
 cv::Mat MarkTarget(const cv::Mat& frame, const cv::Rect& target, bool found);
+
+/// The picture with a green rectangle around everything that was found.
+cv::Mat MarkFound(const cv::Mat& picture, const std::vector<cv::Rect>& found);
+
+/// The picture with a green line around a region.
+cv::Mat OutlineRegion(const cv::Mat& picture, const cv::Mat& region);
 
 /// The frame with an ellipse around a face.
 cv::Mat MarkFace(const cv::Mat& frame, const FaceEllipse& face);

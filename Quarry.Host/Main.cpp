@@ -42,6 +42,8 @@ int Main(int argc, char** argv) {
     const std::vector<Verb> verbs = {AddSharpness(app),  AddDiff(app),     AddSimilarity(app), AddDenoise(app),
                                      AddBackground(app), AddTrack(app),    AddFlow(app),       AddContours(app),
                                      AddOccupancy(app),  AddClusters(app), AddInside(app),     AddShapeRate(app),
+                                     AddRect(app),       AddClothing(app), AddDetect(app),     AddPeople(app),
+                                     AddColours(app),    AddFire(app),     AddAlign(app),      AddRotate(app),
                                      AddDemo(app)};
     try {
         app.parse(argc, argv);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <system_error>
 
 #include "Console.h"
@@ -22,6 +21,8 @@ constexpr int kBallFrame = 40;  // of the drawn clip, when the ball is well with
 constexpr const char* kPreferred[] = {"building.jpg", "fruits.jpg",       "baboon.jpg",    "home.jpg",
                                       "aloeL.jpg",    "text_defocus.jpg", "butterfly.jpg", "text_motion.jpg"};
 
+constexpr const char* kPortraits[] = {"basketball1.png", "messi5.jpg", "basketball2.png"};
+
 /// Plays a video's first frames and stops where the demo has enough.
 std::function<bool(cv::Mat&)> PlayFile(const std::filesystem::path& path) {
     const auto video = std::make_shared<VideoReader>(path);
@@ -32,6 +33,20 @@ std::function<bool(cv::Mat&)> PlayFile(const std::filesystem::path& path) {
 const cv::Size kPedestriansSize(768, 576);
 const ClipTarget kWalkers = {"two walkers", 30, {663, 248, 55, 96}};
 const RelativeLine kAcrossTheRoad = {{0.62F, 0.72F}, {0.62F, 0.2F}};
+
+/// One of the walkers, seen from behind. In pixels.
+constexpr float kWalkersPoints[kBodyPoints][2] = {
+    {648, 259}, {647, 257}, {650, 257}, {643, 258}, {653, 258}, {636, 273}, {662, 274}, {633, 288}, {662, 290},
+    {631, 304}, {658, 305}, {643, 309}, {652, 309}, {644, 328}, {653, 327}, {646, 348}, {653, 341}};
+
+Body WalkersBody() {
+    Body body{};
+    for (std::size_t i = 0; i < body.size(); ++i) {
+        body[i] = {(kWalkersPoints[i][0] + 0.5F) / static_cast<float>(kPedestriansSize.width),
+                   (kWalkersPoints[i][1] + 0.5F) / static_cast<float>(kPedestriansSize.height)};
+    }
+    return body;
+}
 
 /// In a clip that nothing is known of: the middle, from the start.
 ClipTarget MiddleOf(const cv::Size& size) {
@@ -55,6 +70,7 @@ std::optional<Clip> RealClip(const std::filesystem::path& path) try {
     clip.frames = frames;
     clip.framesInAll = frames < kFramesPlayed ? frames : std::max(video.frameCount(), frames);
     clip.target = pedestrians ? kWalkers : MiddleOf(size);
+    if (pedestrians) clip.body = WalkersBody();
     clip.line = pedestrians ? kAcrossTheRoad : RelativeLine{{0.5F, 0.9F}, {0.5F, 0.1F}};
     clip.Play = [path] { return PlayFile(path); };
     return clip;
@@ -104,9 +120,9 @@ std::vector<std::filesystem::path> Candidates(const std::filesystem::path& folde
     return paths;
 }
 
-std::vector<Picture> RealPictures(const std::filesystem::path& folder) {
+std::vector<Picture> Readable(const std::vector<std::filesystem::path>& candidates) {
     std::vector<Picture> pictures;
-    for (const std::filesystem::path& path : Candidates(folder)) {
+    for (const std::filesystem::path& path : candidates) {
         if (pictures.size() == kPictures) break;
         try {
             pictures.push_back({path.filename().string(), ReadPicture(path)});
@@ -117,11 +133,24 @@ std::vector<Picture> RealPictures(const std::filesystem::path& folder) {
     return pictures;
 }
 
+std::vector<Picture> Portraits(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> paths;
+    for (const char* const name : kPortraits) paths.push_back(folder / name);
+    return Readable(paths);
+}
+
 }  // namespace
 
-Footage OpenFootage(const std::filesystem::path& folder) {
+cv::Mat TargetFrameOf(const Clip& clip) {
+    const auto next = clip.Play();
+    cv::Mat frame;
+    for (int i = 0; i <= clip.target.frame && next(frame); ++i) continue;
+    return frame;
+}
+
+Footage OpenFootage(const std::filesystem::path& folder, const std::filesystem::path& faceModel) {
     const std::optional<Clip> real = RealClip(folder / kClipName);
-    std::vector<Picture> pictures = RealPictures(folder);
+    std::vector<Picture> pictures = Readable(Candidates(folder));
     const bool picturesDrawn = pictures.empty();
     if (picturesDrawn) pictures = DrawnPictures();
     if (!real || picturesDrawn) {
@@ -130,7 +159,7 @@ Footage OpenFootage(const std::filesystem::path& folder) {
     }
     Clip clip = real ? *real : DrawnClip();
     clip.Foregrounds = ForegroundsOf(clip);
-    return {std::move(clip), std::move(pictures), picturesDrawn};
+    return {std::move(clip), std::move(pictures), picturesDrawn, Portraits(folder), faceModel};
 }
 
 }  // namespace quarry::host

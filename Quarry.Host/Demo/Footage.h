@@ -3,9 +3,11 @@
 #include <filesystem>
 #include <functional>
 #include <opencv2/core.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "Operations/Clothing.h"
 #include "Operations/Flow.h"
 
 namespace quarry::host {
@@ -32,7 +34,8 @@ struct Clip {
     int framesInAll = 0;  ///< that there are
 
     ClipTarget target;
-    RelativeLine line;  ///< that something crosses
+    std::optional<Body> body;  ///< of someone in the frame that first shows the target
+    RelativeLine line;         ///< that something crosses
 
     /// Starts anew; each call of what it gives fills in the next frame, or says false after the last one.
     std::function<std::function<bool(cv::Mat&)>()> Play;
@@ -41,14 +44,20 @@ struct Clip {
     std::function<const std::vector<cv::Mat>&()> Foregrounds;
 };
 
+/// The frame that first shows the clip's target.
+cv::Mat TargetFrameOf(const Clip& clip);
+
 /// What the demo runs on.
 struct Footage {
     Clip clip;
     std::vector<Picture> pictures;
     bool picturesDrawn;
+    std::vector<Picture> portraits;   ///< pictures that are known to show faces; often none
+    std::filesystem::path faceModel;  ///< cascade that finds faces; need not be there
 };
 
 /// `vtest.avi` and some pictures of the folder. What is not there is drawn, and one line on stderr says so.
-Footage OpenFootage(const std::filesystem::path& folder);
+/// @param faceModel  taken over as it is
+Footage OpenFootage(const std::filesystem::path& folder, const std::filesystem::path& faceModel);
 
 }  // namespace quarry::host

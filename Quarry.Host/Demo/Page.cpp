@@ -167,10 +167,10 @@ std::string Header(const Footage& footage) {
 
 std::string Row(const Section& section) {
     const std::string counted = section.counted.empty() ? "" : R"(<span class="quiet">)" + section.counted + "</span>";
+    const std::string time = section.milliseconds > 0 ? html::Time(section.milliseconds) : "&ndash;";
     return "<tr><td><a" + html::Attribute("href", "#" + section.id) + ">" + section.title +
            R"(</a><span class="quiet">)" + section.summary + "</span></td><td>" + section.input + "</td><td>" +
-           section.result + R"(</td><td><span class="time">)" + html::Time(section.milliseconds) + "</span>" + counted +
-           "</td></tr>\n";
+           section.result + R"(</td><td><span class="time">)" + time + "</span>" + counted + "</td></tr>\n";
 }
 
 std::string Overview(const std::vector<Section>& sections) {

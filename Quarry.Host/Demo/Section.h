@@ -23,7 +23,15 @@
     SECTION(Sharpness)                \
     SECTION(FaceSharpness)            \
     SECTION(Denoising)                \
-    SECTION(Similarity)
+    SECTION(Similarity)               \
+    SECTION(Rect)                     \
+    SECTION(Clothing)                 \
+    SECTION(Colour)                   \
+    SECTION(Alignment)                \
+    SECTION(Rotation)                 \
+    SECTION(People)                   \
+    SECTION(Detection)                \
+    SECTION(Fire)
 
 namespace quarry::host {
 
@@ -34,7 +42,7 @@ struct Section {
     std::string summary;    ///< what it does, one sentence
     std::string input;      ///< what it was run on, for the table
     std::string result;     ///< a picture or plot for the table
-    double milliseconds{};  ///< per frame, median
+    double milliseconds{};  ///< per frame, median; 0: it did not run
     std::string counted;    ///< what the time is of, where it is not a frame of the clip: "per pair"
     std::string body;       ///< what follows title and summary
 };

@@ -87,4 +87,16 @@ inline cv::Mat PictureOf(const Image& image) {
     return cv::Mat(image.height, image.width, CV_8UC3, image.data).clone();
 }
 
+inline cv::Mat PictureOf(const Mask& mask) {
+    return cv::Mat(mask.height, mask.width, CV_8UC1, mask.data).clone();
+}
+
+/// The pixels that a rectangle in fractions of `whole` covers.
+inline cv::Rect PixelsOf(const RelRect& rect, const cv::Rect& whole) {
+    return {whole.x + cvRound(rect.X * static_cast<float>(whole.width)),
+            whole.y + cvRound(rect.Y * static_cast<float>(whole.height)),
+            cvRound(rect.Width * static_cast<float>(whole.width)),
+            cvRound(rect.Height * static_cast<float>(whole.height))};
+}
+
 }  // namespace quarry::host

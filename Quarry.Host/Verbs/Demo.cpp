@@ -18,6 +18,7 @@ namespace {
 struct Options {
     std::string media = "media";
     std::string out = "demo";
+    std::string faceModel = "/usr/share/opencv4/haarcascades/haarcascade_frontalface_alt.xml";  ///< as Debian has it
 };
 
 void MakeFolder(const std::filesystem::path& folder) {
@@ -26,8 +27,8 @@ void MakeFolder(const std::filesystem::path& folder) {
     if (refused) throw Failure(folder.string() + ": the folder cannot be made: " + refused.message());
 }
 
-std::string RunAllOperations(const std::filesystem::path& media) {
-    const Footage footage = OpenFootage(media);
+std::string RunAllOperations(const Options& options) {
+    const Footage footage = OpenFootage(options.media, options.faceModel);
     std::vector<Section> sections;
 #define QUARRY_RUN_SECTION(Name) sections.push_back(Name##Section(footage));
     QUARRY_DEMO_SECTIONS(QUARRY_RUN_SECTION)
@@ -39,7 +40,7 @@ int Run(const Options& options) {
     const std::filesystem::path path = std::filesystem::path(options.out) / "report.html";
     MakeFolder(options.out);
     TextFile file(path);
-    file.Write(RunAllOperations(options.media));
+    file.Write(RunAllOperations(options));
     std::cout << path.string() << '\n';
     return kExitFine;
 }
@@ -52,6 +53,8 @@ Verb AddDemo(CLI::App& commandLine) {
         "demo", "Runs every operation on real footage and writes one page that shows what came out");
     command->add_option("--media", options->media, "Folder with vtest.avi and pictures")->capture_default_str();
     command->add_option("--out", options->out, "Folder to write report.html to")->capture_default_str();
+    command->add_option("--cascade", options->faceModel, "Model of faces for the detector; without it, it does not run")
+        ->capture_default_str();
     return {command, [options] { return Run(*options); }};
 }
 

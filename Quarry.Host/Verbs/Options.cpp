@@ -13,9 +13,9 @@ namespace quarry::host {
 namespace {
 
 /// The numbers between the commas.
-/// @return false when they are not four, or one of them is out of range
-template <typename Number>
-bool ParseFour(const std::string& text, Number low, Number high, std::array<Number, 4>& numbers) {
+/// @return false when they are not as many as wanted, or one of them is out of range
+template <typename Number, std::size_t kCount>
+bool Parse(const std::string& text, Number low, Number high, std::array<Number, kCount>& numbers) {
     const char* at = text.data();
     const char* const end = at + text.size();
     for (std::size_t i = 0; i < numbers.size(); ++i) {
@@ -25,6 +25,16 @@ bool ParseFour(const std::string& text, Number low, Number high, std::array<Numb
         at = next;
     }
     return at == end;
+}
+
+template <std::size_t kCount>
+std::array<int, kCount> WholeNumbers(const std::string& option, const std::string& text, const std::string& form) {
+    constexpr int kLow = std::numeric_limits<int16_t>::min();
+    constexpr int kHigh = std::numeric_limits<int16_t>::max();
+    std::array<int, kCount> numbers{};
+    if (Parse(text, kLow, kHigh, numbers)) return numbers;
+    throw CLI::ValidationError(option, "must be " + form + ", whole numbers from " + std::to_string(kLow) + " to " +
+                                           std::to_string(kHigh) + ", not " + text);
 }
 
 }  // namespace
@@ -58,19 +68,27 @@ CLI::Validator EndsAsPicture() {
     return EndsIn({".png", ".jpg"});
 }
 
+std::array<int, 2> TwoWholeNumbers(const std::string& option, const std::string& text, const std::string& form) {
+    return WholeNumbers<2>(option, text, form);
+}
+
 std::array<int, 4> FourWholeNumbers(const std::string& option, const std::string& text, const std::string& form) {
-    constexpr int kLow = std::numeric_limits<int16_t>::min();
-    constexpr int kHigh = std::numeric_limits<int16_t>::max();
-    std::array<int, 4> numbers{};
-    if (ParseFour(text, kLow, kHigh, numbers)) return numbers;
-    throw CLI::ValidationError(option, "must be " + form + ", whole numbers from " + std::to_string(kLow) + " to " +
-                                           std::to_string(kHigh) + ", not " + text);
+    return WholeNumbers<4>(option, text, form);
 }
 
 std::array<float, 4> FourShares(const std::string& option, const std::string& text, const std::string& form) {
     std::array<float, 4> numbers{};
-    if (ParseFour(text, 0.0F, 1.0F, numbers)) return numbers;
+    if (Parse(text, 0.0F, 1.0F, numbers)) return numbers;
     throw CLI::ValidationError(option, "must be " + form + ", numbers from 0 to 1, not " + text);
+}
+
+cv::Rect2f AreaOf(const std::string& option, const std::string& text) {
+    const auto [x, y, width, height] = FourShares(option, text, "X,Y,WIDTH,HEIGHT");
+    // 0.7 and 0.3 make a little more than 1; that is still within.
+    constexpr float kWhole = 1 + 1e-6F;
+    if (width > 0 && height > 0 && x + width <= kWhole && y + height <= kWhole) return {x, y, width, height};
+    throw CLI::ValidationError(option,
+                               "must be wider and higher than 0, with X + WIDTH and Y + HEIGHT at most 1, not " + text);
 }
 
 void CheckIsNotAnInput(const std::string& option, const std::string& written, const std::vector<std::string>& read) {
@@ -108,6 +126,10 @@ std::string Format(const char* format, ...) {
     va_end(again);
     text.pop_back();
     return text;
+}
+
+nlohmann::ordered_json JsonOf(const cv::Rect& rect) {
+    return {{"x", rect.x}, {"y", rect.y}, {"width", rect.width}, {"height", rect.height}};
 }
 
 std::string JsonLine(const nlohmann::ordered_json& object) {

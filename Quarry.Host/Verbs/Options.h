@@ -20,6 +20,9 @@ CLI::Validator EndsIn(const std::vector<std::string>& extensions);
 /// The same for pictures that are written.
 CLI::Validator EndsAsPicture();
 
+/// Two whole numbers of 16 bits with a comma between them; parameters as below.
+std::array<int, 2> TwoWholeNumbers(const std::string& option, const std::string& text, const std::string& form);
+
 /// Four whole numbers of 16 bits with commas between them.
 /// @param option  the option that they are the value of, as errors name it
 /// @param form    how they are meant: "X,Y,WIDTH,HEIGHT"
@@ -28,6 +31,10 @@ std::array<int, 4> FourWholeNumbers(const std::string& option, const std::string
 
 /// Four numbers from 0 to 1 with commas between them.
 std::array<float, 4> FourShares(const std::string& option, const std::string& text, const std::string& form);
+
+/// Part of a picture, in fractions of its width and height, from the value X,Y,WIDTH,HEIGHT.
+/// @throws CLI::ValidationError  it is not that, or it is empty or does not lie within the picture
+cv::Rect2f AreaOf(const std::string& option, const std::string& text);
 
 /// Refuses to write over a file that is read.
 /// @param written  empty: nothing is written
@@ -41,6 +48,9 @@ cv::Size WidthAndHeight(const std::string& option, const std::string& text, cons
 
 /// Text as printf formats it.
 [[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...);
+
+/// The members x, y, width and height.
+nlohmann::ordered_json JsonOf(const cv::Rect& rect);
 
 /// The object on a line of its own; what is not UTF-8 in it is replaced.
 std::string JsonLine(const nlohmann::ordered_json& object);

@@ -102,8 +102,8 @@ int Run(const Options& options) {
 
 Verb AddTrack(CLI::App& commandLine) {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command =
-        commandLine.add_subcommand("track", "Follows one target through a video, from a rectangle in the first frame that is read");
+    CLI::App* const command = commandLine.add_subcommand(
+        "track", "Follows one target through a video, from a rectangle in the first frame that is read");
     command->footer(kFooter);
     AddVideoOptions(*command, options->video, "the rectangle drawn");
     command

@@ -24,6 +24,14 @@ Verb AddOccupancy(CLI::App& commandLine);
 Verb AddClusters(CLI::App& commandLine);
 Verb AddInside(CLI::App& commandLine);
 Verb AddShapeRate(CLI::App& commandLine);
+Verb AddRect(CLI::App& commandLine);
+Verb AddClothing(CLI::App& commandLine);
+Verb AddColours(CLI::App& commandLine);
+Verb AddAlign(CLI::App& commandLine);
+Verb AddRotate(CLI::App& commandLine);
+Verb AddPeople(CLI::App& commandLine);
+Verb AddDetect(CLI::App& commandLine);
+Verb AddFire(CLI::App& commandLine);
 Verb AddDemo(CLI::App& commandLine);
 
 }  // namespace quarry::host

@@ -97,7 +97,7 @@ TEST_F(ClustersCommand, TellTheSameInWordsAndAreDrawn) {
     EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"things.png", "drawn.png"}));
     const cv::Mat drawn = cv::imread((folder / "drawn.png").string());
     EXPECT_EQ(drawn.at<cv::Vec3b>(22, 23), cv::Vec3b(255, 255, 255)) << "the centre of the box";
-    const auto border = drawn.at<cv::Vec3b>(20, 7);
+    const auto& border = drawn.at<cv::Vec3b>(20, 7);
     EXPECT_GT(border[2], border[0] + 60) << "orange";
 }
 

@@ -41,7 +41,7 @@ protected:
         const Outcome outcome = Run(arguments);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
         EXPECT_EQ(outcome.err, "");
-        const std::vector<json> lines = JsonLines(outcome.out);
+        std::vector<json> lines = JsonLines(outcome.out);
         EXPECT_EQ(lines.size(), static_cast<std::size_t>(kFrames));
         return lines;
     }

@@ -14,9 +14,10 @@ void ExpectSelfContainedPage(const std::string& page) {
     for (std::size_t at = page.find("src=\""); at != std::string::npos; at = page.find("src=\"", at + 1)) {
         EXPECT_EQ(page.compare(at + 5, 11, "data:image/"), 0) << page.substr(at, 40);
     }
-    for (const char* const id :
-         {"operations", "background", "tracking", "flow", "flow-line", "difference", "contour", "occupancy", "clusters",
-          "inside", "shape-rate", "sharpness", "face-sharpness", "denoising", "similarity"}) {
+    for (const char* const id : {"operations",     "background", "tracking",   "flow",      "flow-line",  "difference",
+                                 "contour",        "occupancy",  "clusters",   "inside",    "shape-rate", "sharpness",
+                                 "face-sharpness", "denoising",  "similarity", "rect",      "clothing",   "colour",
+                                 "alignment",      "rotation",   "people",     "detection", "fire"}) {
         EXPECT_NE(page.find("<section id=\"" + std::string(id) + "\">"), std::string::npos) << id;
     }
     for (const char* const part : {"Time per frame, median", "<svg", "learning", "time, s", "foreground mask",
@@ -109,6 +110,18 @@ TEST_F(QuarryCommand, DemoManagesOneFrameAndOnePicture) {
     const std::string page = ContentsOf(folder / "demo/report.html");
     ExpectSelfContainedPage(page);
     EXPECT_EQ(WithoutPictures(page).find("nan"), std::string::npos);
+}
+
+TEST_F(QuarryCommand, DemoSaysThatTheDetectorDidNotRunWithoutItsModel) {
+    fs::create_directory(folder / "media");
+    WriteVideo("media/vtest.avi", 1);
+    WritePicture("media/only.png", 12, 0);
+    const Outcome outcome = Run({"demo", "--cascade", "no<model>.xml"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.err, "");
+    const std::string page = ContentsOf(folder / "demo/report.html");
+    ExpectSelfContainedPage(page);
+    EXPECT_NE(page.find("there is no model of faces that can be read at no&lt;model&gt;.xml"), std::string::npos);
 }
 
 TEST_F(QuarryCommand, DemoNamesAnOutputThatCannotBeWritten) {

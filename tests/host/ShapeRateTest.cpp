@@ -9,6 +9,7 @@ const std::vector<cv::Point2f> kAfter = {{0.2F, 0.1F}, {0.8F, 0.2F}, {0.45F, 0.9
 
 std::vector<cv::Point> PixelsOf(const std::vector<cv::Point2f>& polygon, const cv::Size& size) {
     std::vector<cv::Point> pixels;
+    pixels.reserve(polygon.size());
     for (const cv::Point2f& point : polygon) {
         pixels.emplace_back(static_cast<int>(point.x * static_cast<float>(size.width)),
                             static_cast<int>(point.y * static_cast<float>(size.height)));
@@ -96,10 +97,9 @@ TEST_F(ShapeRateCommand, NamesTheFileAndWhatIsWrongWithIt) {
                                                                     {"flat.json", "point 1"},
                                                                     {"missing.json", "no such file"}};
     for (const auto& [name, what] : wrong) {
-        ExpectOneLineError({"shape-rate", name, "after.json", "--interval", "40", "--size", "640x480"}, 1,
-                           name + ": " + what);
-        ExpectOneLineError({"shape-rate", "before.json", name, "--interval", "40", "--size", "640x480"}, 1,
-                           name + ": " + what);
+        const std::string named = std::string(name).append(": ").append(what);
+        ExpectOneLineError({"shape-rate", name, "after.json", "--interval", "40", "--size", "640x480"}, 1, named);
+        ExpectOneLineError({"shape-rate", "before.json", name, "--interval", "40", "--size", "640x480"}, 1, named);
     }
 }
 

@@ -15,14 +15,16 @@ TEST_F(QuarryCommand, HelpNamesTheVerbsAndTheirOptions) {
     const Outcome outcome = Run({"--help"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.err, "");
-    for (const char* const verb : {"sharpness", "diff", "similarity", "denoise", "background", "track", "flow",
-                                   "contours", "occupancy", "clusters", "inside", "shape-rate", "demo"}) {
+    for (const char* const verb : {"sharpness", "diff",      "similarity", "denoise", "background", "track", "flow",
+                                   "contours",  "occupancy", "clusters",   "inside",  "shape-rate", "rect",  "clothing",
+                                   "colours",   "align",     "rotate",     "detect",  "people",     "fire",  "demo"}) {
         EXPECT_NE(outcome.out.find(verb), std::string::npos) << verb;
         EXPECT_EQ(Run({verb, "--help"}).exitCode, 0) << verb;
     }
     const std::string background = Run({"background", "--help"}).out;
-    for (const char* const verb : {"sharpness", "diff", "similarity", "denoise", "background", "track", "flow",
-                                   "contours", "occupancy", "clusters", "inside", "shape-rate"}) {
+    for (const char* const verb : {"sharpness", "diff",      "similarity", "denoise", "background", "track", "flow",
+                                   "contours",  "occupancy", "clusters",   "inside",  "shape-rate", "rect",  "clothing",
+                                   "colours",   "align",     "rotate",     "detect",  "people",     "fire"}) {
         const std::string help = Run({verb, "--help"}).out;
         EXPECT_NE(help.find("--json"), std::string::npos) << verb;
         EXPECT_NE(help.find(std::string("\n  quarry ") + verb + " "), std::string::npos) << verb << " has an example";

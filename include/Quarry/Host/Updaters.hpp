@@ -108,14 +108,14 @@ private:
 class DenseOpticalFlow : public detail::Updater<CreateCVDenseOpticalFlowCalculator, OFCData> {
 public:
     struct Options {
-        std::optional<float> detail =
-            std::nullopt;  ///< 0..1: larger values give a smaller averaging window (27 to 7 pixels); else 18
-        std::optional<float> quality =
-            std::nullopt;  ///< 0..1: pyramid levels and iterations (0 to 10 each); else 5 and 3
+        /// 0..1: larger values give a smaller averaging window (27 to 7 pixels); -1: 18 pixels.
+        float detail = -1.0F;
+        /// 0..1: pyramid levels and iterations (0 to 10 each); -1: 5 and 3.
+        float quality = -1.0F;
     };
 
     DenseOpticalFlow() : DenseOpticalFlow(Options{}) {}
-    /// @throws std::invalid_argument  an option is given and not in 0..1
+    /// @throws std::invalid_argument  an option is neither in 0..1 nor -1
     explicit DenseOpticalFlow(const Options& options)
         : Updater({0, FractionOrDefault("quarry::DenseOpticalFlow::Options.detail", options.detail), 0,
                    FractionOrDefault("quarry::DenseOpticalFlow::Options.quality", options.quality)}) {}
@@ -129,9 +129,8 @@ public:
     FlowResult Result() const { return FlowResult(handle()); }
 
 private:
-    /// The library takes what is no fraction for its default.
-    static float FractionOrDefault(const char* what, const std::optional<float>& value) {
-        return value ? detail::Fraction(what, *value) : -1.0F;
+    static float FractionOrDefault(const char* what, float value) {
+        return value == -1.0F ? value : detail::Fraction(what, value);
     }
 };
 

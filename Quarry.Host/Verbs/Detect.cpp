@@ -1,0 +1,107 @@
+#include <memory>
+#include <string>
+
+#include "Annotation.h"
+#include "Operations/Detection.h"
+#include "Verbs/Options.h"
+#include "Verbs/OverPictures.h"
+#include "Verbs/Verbs.h"
+
+namespace quarry::host {
+namespace {
+
+constexpr const char* kFooter =
+    R"(The model says what is looked for: a cascade of boosted features as OpenCV's training writes
+it. Models for faces, eyes and whole bodies come with OpenCV; on Debian they are in the
+package opencv-data, under /usr/share/opencv4/haarcascades.
+
+Per picture it gives how many were found and, for each one, X,Y,WIDTH,HEIGHT in pixels of the
+picture. Only those are found that lie within --area as a whole.
+
+Mode 0 is the surest: five neighbouring hits make a detection. Mode 1 is content with one, so
+it finds the most and is often wrong. Mode 2 wants two; with a model in the format of old it
+finds the largest object only.
+
+Example:
+  quarry detect team.jpg --cascade haarcascade_frontalface_alt.xml --out team-faces.jpg)";
+
+struct Options {
+    PictureOptions pictures;
+    DetectionSettings detector;
+    cv::Rect2f area = kWholePicture;
+};
+
+class Detect : public PictureByPicture {
+public:
+    explicit Detect(const Options& options) : area(options.area), detector(options.detector) {}
+
+    void Take(const cv::Mat& picture) override {
+        last = picture;
+        view = detector.Find(picture, area);
+    }
+
+    std::string TableHead() const override { return "   found        ms  detections"; }
+
+    std::string TableRow() const override {
+        std::string row = Format("%8zu%10.1f", view.found.size(), view.milliseconds);
+        for (const cv::Rect& rect : view.found) {
+            row += Format("  %d,%d,%d,%d", rect.x, rect.y, rect.width, rect.height);
+        }
+        return row;
+    }
+
+    nlohmann::ordered_json Fields() const override {
+        nlohmann::ordered_json rectangles = nlohmann::ordered_json::array();
+        for (const cv::Rect& rect : view.found) rectangles.push_back(JsonOf(rect));
+        return {{"detections", rectangles}, {"milliseconds", view.milliseconds}};
+    }
+
+    cv::Mat Annotated() const override { return MarkFound(last, view.found); }
+
+private:
+    cv::Rect2f area;
+    Detector detector;
+    cv::Mat last;
+    DetectionView view{};
+};
+
+int Run(const Options& options) {
+    CheckAnnotated(options.pictures);
+    const auto [model, minSize, maxSize, mode] = options.detector;
+    CheckIsNotAnInput("--out", options.pictures.annotated, {model});
+    if (maxSize > 0 && maxSize < minSize) {
+        throw CLI::ValidationError("--max-size", "must be 0 or at least --min-size, " + std::to_string(minSize) +
+                                                     ", not " + std::to_string(maxSize));
+    }
+    Detect verb(options);
+    return RunOverPictures(options.pictures, "detect", verb);
+}
+
+}  // namespace
+
+Verb AddDetect(CLI::App& commandLine) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = commandLine.add_subcommand(
+        "detect", "Finds objects of one kind in pictures, e.g. faces: of the kind that a model was trained for");
+    command->footer(kFooter);
+    AddPictureOptions(*command, options->pictures, "Pictures to search", "rectangles around what was found");
+    DetectionSettings& detector = options->detector;
+    command->add_option("--cascade", detector.model, "The model, an XML file")->required();
+    command
+        ->add_option_function<std::string>(
+            "--area", [options](const std::string& text) { options->area = AreaOf("--area", text); },
+            "Search this part of the picture, in fractions of its width and height (default: all of it)")
+        ->type_name("X,Y,WIDTH,HEIGHT");
+    command->add_option("--min-size", detector.minSize, "Smallest side of an object in pixels; 0 is no limit")
+        ->check(Within(0, 100'000))
+        ->capture_default_str();
+    command->add_option("--max-size", detector.maxSize, "Largest side of an object in pixels; 0 is no limit")
+        ->check(Within(0, 100'000))
+        ->capture_default_str();
+    command->add_option("--mode", detector.mode, "0: the surest; 1: finds the most; 2: between them")
+        ->check(CLI::IsMember({"0", "1", "2"}))
+        ->capture_default_str();
+    return {command, [options] { return Run(*options); }};
+}
+
+}  // namespace quarry::host
