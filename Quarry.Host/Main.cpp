@@ -44,7 +44,7 @@ int Main(int argc, char** argv) {
                                      AddOccupancy(app),  AddClusters(app), AddInside(app),     AddShapeRate(app),
                                      AddRect(app),       AddClothing(app), AddDetect(app),     AddPeople(app),
                                      AddColours(app),    AddFire(app),     AddAlign(app),      AddRotate(app),
-                                     AddDemo(app)};
+                                     AddList(app),       AddDescribe(app), AddDemo(app)};
     try {
         app.parse(argc, argv);
         return RunChosen(verbs);

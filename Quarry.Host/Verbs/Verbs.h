@@ -33,5 +33,7 @@ Verb AddPeople(CLI::App& commandLine);
 Verb AddDetect(CLI::App& commandLine);
 Verb AddFire(CLI::App& commandLine);
 Verb AddDemo(CLI::App& commandLine);
+Verb AddList(CLI::App& commandLine);
+Verb AddDescribe(CLI::App& commandLine);
 
 }  // namespace quarry::host

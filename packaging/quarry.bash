@@ -1,0 +1,29 @@
+# Completes the verbs of the quarry command, their options and the names of operations. The command itself is asked for
+# them, so that they are those of the version that is installed. Everything else is completed as a file name.
+
+# The names at the beginning of the lines of one section of a help text.
+_quarry_section() {
+    sed -n "/^$1:/,/^\$/s/^  \(-[[:alnum:]],\)\{0,1\}\([[:alnum:]-]*\).*/\2/p"
+}
+
+_quarry() {
+    local quarry=${COMP_WORDS[0]/#\~\//$HOME/} word=${COMP_WORDS[COMP_CWORD]} verb= candidates= i
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        [[ ${COMP_WORDS[i]} == -* ]] || { verb=${COMP_WORDS[i]} && break; }
+    done
+
+    COMPREPLY=()
+    if [[ $word == -* ]]; then
+        candidates=$("$quarry" $verb --help 2>/dev/null | _quarry_section Options)
+    elif [[ -z $verb ]]; then
+        candidates=$("$quarry" --help 2>/dev/null | _quarry_section Subcommands)
+    elif [[ $verb == describe ]]; then
+        candidates=$("$quarry" list --json 2>/dev/null | sed -n 's/^{"name":"\([^"]*\)".*/\1/p')
+    else
+        return
+    fi
+    mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
+    compopt +o default 2>/dev/null # no file names in place of what is none
+}
+
+complete -o default -F _quarry quarry
