@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <opencv2/objdetect.hpp>
 
 #include "host/CommandFixture.h"
@@ -27,16 +28,20 @@ protected:
         const Outcome outcome = Run(arguments);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
         EXPECT_EQ(outcome.err, "");
-        return JsonLines(outcome.out);
+        std::vector<json> lines = JsonLines(outcome.out);
+        for (json& line : lines) std::sort(line.at("detections").begin(), line.at("detections").end());
+        return lines;
     }
 };
 
+/// In a fixed order: detections come in the one in which OpenCV's threads end.
 json JsonOf(const std::vector<cv::Rect>& rectangles, const cv::Point& origin = {}) {
     json array = json::array();
     for (const cv::Rect& rect : rectangles) {
         array.push_back(
             {{"x", rect.x + origin.x}, {"y", rect.y + origin.y}, {"width", rect.width}, {"height", rect.height}});
     }
+    std::sort(array.begin(), array.end());
     return array;
 }
 
