@@ -7,6 +7,7 @@
 #include "Quarry.OpenCV/CVHelper.h"
 #include "Quarry.OpenCV/OuterContours.h"
 #include "Quarry.OpenCV/PendingResult.h"
+#include "Quarry.OpenCV/RelativePoints.h"
 #include "Quarry.OpenCV/Truncate.h"
 
 namespace {
@@ -25,11 +26,7 @@ void Fill(Cluster& cluster, const std::vector<cv::Point>& contour, const cv::Siz
     cluster.Contour->Area =
         static_cast<float>(cv::contourArea(contour, false) / static_cast<double>(frame.height * frame.width));
     cluster.Contour->Perimeter = static_cast<float>(cv::arcLength(contour, true) / static_cast<double>(frame.width));
-    FloatPoint* out = cluster.Contour->Points;
-    for (const cv::Point& point : contour) {
-        const cv::Point2f relative = CVHelper::AbsoluteToRelative(point, frame.width, frame.height);
-        *out++ = {relative.x, relative.y};
-    }
+    quarry::WriteRelativePoints(contour, {}, frame, cluster.Contour->Points);
 }
 
 }  // namespace

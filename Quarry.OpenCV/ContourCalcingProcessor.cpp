@@ -6,6 +6,7 @@
 
 #include "Quarry.OpenCV/CVHelper.h"
 #include "Quarry.OpenCV/ContourMeasuringFunctions.h"
+#include "Quarry.OpenCV/RelativePoints.h"
 #include "Quarry/Memory.h"
 
 namespace {
@@ -29,11 +30,7 @@ ContourResult ContourCalcingProcessor::DoProcess(ContourCalcingInputData data) {
 
     const ContourResult result = CreateContourResult(static_cast<int>(points.size()));
     Measure(points, mask.size(), result.Contour);
-    FloatPoint* out = result.Contour->Points;
-    for (const cv::Point& point : points) {
-        const cv::Point2f relative = CVHelper::AbsoluteToRelative(point + rect.tl(), object.width, object.height);
-        *out++ = {relative.x, relative.y};
-    }
+    quarry::WriteRelativePoints(points, rect.tl(), mask.size(), result.Contour->Points);
     return result;
 }
 
