@@ -35,7 +35,8 @@ public:
     virtual std::string TableRow() const = 0;
     /// The fields of the JSON object, without those of the file.
     virtual nlohmann::ordered_json Fields() const = 0;
-    virtual cv::Mat Annotated() const = 0;
+    /// Asked only of verbs that have --out.
+    virtual cv::Mat Annotated() const { return {}; }
 };
 
 /// Refuses an annotated picture where it is not that of one picture.
