@@ -1,35 +1,30 @@
-#include <benchmark/benchmark.h>
-
-#include "Quarry.Frame/InvokableProcessor.h"
-#include "Quarry.Frame/Processor.h"
+#include "Comparison.h"
+#include "NoAlgorithm.h"
 
 namespace {
 
-/// Keeps the frame's own DoProcess, which computes nothing.
-class NoAlgorithm : public Processor<ProcessOptions, VoLInputData, VoLOutputData> {
-public:
-    using Processor::Processor;
-};
+using namespace quarry::bench;
 
-class NoAlgorithmHandle : public InvokableProcessor {
-public:
-    explicit NoAlgorithmHandle(ProcessOptions* options) { target = new NoAlgorithm(options); }
-    IProcessor* GetProcessor() override { return dynamic_cast<NoAlgorithm*>(target); }
-};
-
-/// The whole road of a call with a record pair of 40 and 8 bytes: driver, handle, both checks, copy in, fields out.
-void ProcessWithoutAnAlgorithm(benchmark::State& state) {
-    QUARRY_FRAMED(ProcessOptions) options = {0, sizeof(ProcessOptions), {}, QUARRY_OPTIONS_TAG};
-    QUARRY_FRAMED(VoLInputData) input = {0, sizeof(VoLInputData), {}, QUARRY_INPUT_TAG};
-    QUARRY_FRAMED(VoLOutputData) result = {0, sizeof(VoLOutputData), {}, QUARRY_RESULT_TAG};
-    Invokable* const handle = new NoAlgorithmHandle(&options.Record);
-    for ([[maybe_unused]] auto _ : state) {
-        Process(handle, reinterpret_cast<ProcessData*>(&input.Record),
-                reinterpret_cast<ProcessResult*>(&result.Record));
-        benchmark::ClobberMemory();
-    }
-    Dispose(handle);
+/// What no interface can do without: the input copied in, the result copied out.
+VoLOutputData Copy(VoLInputData input) {
+    return {0, static_cast<float>(input.Header)};
 }
-BENCHMARK(ProcessWithoutAnAlgorithm);
+
+/// The whole road of a call: driver, handle, both checks, copy in, fields out. The result holds nothing to give back.
+Way ThroughTheFrame() {
+    using Call = ProcessorCall<ProcessOptions, VoLInputData, VoLOutputData>;
+    const auto call = std::make_shared<Call>(CreateNoAlgorithm, ProcessOptions{}, VoLInputData{});
+    return {[call] { call->Process(); }, [call] { return BytesOf(call->Process()); }};
+}
 
 }  // namespace
+
+int main(int argc, char** argv) {
+    Compare("Frame", {"", "40 and 8 bytes", 0.0, 20.0}, Computed([] {
+                VoLInputData input{};
+                benchmark::DoNotOptimize(input);
+                return Copy(input);
+            }),
+            ThroughTheFrame());
+    return Run(argc, argv);
+}
