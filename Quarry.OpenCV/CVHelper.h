@@ -28,7 +28,8 @@ public:
     static cv::Mat GetRotationMatrix(const cv::Mat& image, const cv::Point& center, double angle);
 
     /// How far each pixel of a line lies from the straight line through p1 and p2 once the flow has moved it, in
-    /// pixels: negative on the side where the cross product with p2 - p1 is. Not a number where p1 equals p2.
+    /// pixels: negative on the side where the cross product with p2 - p1 is. Not a number where p1 equals p2,
+    /// and where rounding leaves the squared area of a triangle with p1 and p2 below 0: pixels beside an oblique line.
     /// @param flow  two-channel floats, a displacement (x, y) per pixel
     /// @param line  over the pixels of `flow`
     /// @return one value per pixel of the line, in its order

@@ -34,7 +34,7 @@ private:
     /// How thoroughly the detector looks.
     struct Preset {
         double scaleFactor;  ///< from one size of the search window to the next
-        int minNeighbors;    ///< overlapping hits that make a detection
+        int minNeighbors;    ///< a detection takes more overlapping hits than these
         int flags;           ///< `cv::CASCADE_...`
     };
     static const Preset& PresetOf(const ClassificationOptions& options);

@@ -9,8 +9,8 @@
 ///
 /// Frames are read in place during the call, as R, G, B, where the other operations read B, G, R; rows are packed
 /// (`width * 3` bytes), `stride` is not consulted. The flow is written straight into the result's buffer, which is this
-/// object's own and valid until the next Update or the end. A frame of another size begins anew; a frame without pixels
-/// gives no result and leaves the previous frame in place.
+/// object's own and valid until the next Update or the end. A frame of another size begins anew; a null frame
+/// gives no result and, if it is of the same size, leaves the previous frame in place.
 /// @throws cv::Exception          the frame has pixels but is empty
 /// @throws std::invalid_argument  the frame has more pixels than a 32-bit size can say
 class DenseOpticalFlowCalculator : public CVOpticalFlowCalculator {

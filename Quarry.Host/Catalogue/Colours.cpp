@@ -48,7 +48,7 @@ Operation FirePixels() {
                           QUARRY_FIELD(FireOutputData, FireMask, "of the frame's size: 255 flame, 0 none")),
             {kWrongFrame,
              {"std::invalid_argument", "the frame has more than 2147483647 pixels"},
-             {"cv::Exception", "data is null while the frame is not empty, or a side of the frame is negative"}}};
+             {"cv::Exception", "the frame is empty, data is null, or a side of the frame is negative"}}};
 }
 
 }  // namespace

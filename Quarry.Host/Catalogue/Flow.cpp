@@ -20,8 +20,10 @@ Operation DenseOpticalFlow() {
             QUARRY_FIELD(OFCOptions, Quality,
                          "0..1: pyramid levels and iterations, 0 to 10 each (1 iteration at exactly 0), "
                          "Gaussian window above 0.7; 5 and 3 by default")),
-        QUARRY_RECORD(OFCData, "The next frame; one of another size begins anew, one with null data gives no result.",
-                      QUARRY_FIELD(OFCData, Header, kHeader), QUARRY_FIELD(OFCData, Image, kRgb)),
+        QUARRY_RECORD(
+            OFCData,
+            "The next frame; one of another size, null or not, begins anew, one with null data gives no result.",
+            QUARRY_FIELD(OFCData, Header, kHeader), QUARRY_FIELD(OFCData, Image, kRgb)),
         QUARRY_RECORD(OFCResult, "The flow. The buffer stays the updater's, valid until the next Update.",
                       QUARRY_FIELD(OFCResult, Status, kStatus),
                       QUARRY_FIELD(OFCResult, FlowMatrix, "where each pixel of the previous frame moved to, pixels")),
@@ -49,11 +51,13 @@ Operation OpticalFlowLine() {
                           QUARRY_FIELD(OFLineData, LineEndY, "share of the field's height, 0..1"),
                           QUARRY_FIELD(OFLineData, ValuesCount, "number of values wanted, 0 or more"),
                           QUARRY_FIELD(OFLineData, ReservedEnd, kNotRead)),
-            QUARRY_RECORD(OFLineResult, "The profile along the line; give it back with DisposeResult.",
-                          QUARRY_FIELD(OFLineResult, Unwritten, "left as it is"),
-                          QUARRY_FIELD(OFLineResult, Values,
-                                       "ValuesCount signed distances from the line, pixels, from its start to its end"),
-                          QUARRY_FIELD(OFLineResult, ValuesCount, "number of values")),
+            QUARRY_RECORD(
+                OFLineResult, "The profile along the line; give it back with DisposeResult.",
+                QUARRY_FIELD(OFLineResult, Unwritten, "left as it is"),
+                QUARRY_FIELD(OFLineResult, Values,
+                             "ValuesCount signed distances from the line, pixels, from its start to its end; not a "
+                             "number where rounding leaves no distance"),
+                QUARRY_FIELD(OFLineResult, ValuesCount, "number of values")),
             {kWrongFrame, {"std::invalid_argument", "ValuesCount is negative"}}};
 }
 

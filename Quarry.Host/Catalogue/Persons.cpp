@@ -14,7 +14,8 @@ Record DetectorOptions() {
         QUARRY_FIELD(ClassificationOptions, MaxSize,
                      "cascade: largest side in pixels, negative none; people: share of the frame's height"),
         QUARRY_FIELD(ClassificationOptions, Mode,
-                     "cascade only: 0 needs 5 overlapping hits, 1 one, 2 two and finds the biggest object alone"),
+                     "cascade only: 0 needs 6 overlapping hits, 1 two, 2 three (and with models of OpenCV 1 the "
+                     "biggest object alone)"),
         QUARRY_FIELD(ClassificationOptions, CascadePath, "cascade only: model file; read when it is created"));
 }
 

@@ -17,9 +17,9 @@ using Detections = ListResult<ClassificationResult>;  ///< of Response
 
 /// How thoroughly a CascadeDetector looks.
 enum class CascadeMode : uint32_t {
-    Careful = 0,  ///< five overlapping hits make a detection
-    Eager = 1,    ///< one hit makes a detection
-    Biggest = 2   ///< the biggest object alone, skipping what has too few edges
+    Careful = 0,  ///< six overlapping hits make a detection
+    Eager = 1,    ///< two overlapping hits make a detection
+    Biggest = 2   ///< three; with models of OpenCV 1, the biggest object alone
 };
 
 /// Finds objects of one kind with a cascade of boosted features.

@@ -31,7 +31,7 @@ class BackgroundModel : public detail::Updater<CreateCVBackgroundModel, Backgrou
 public:
     struct Options {
         float sensitivity = 0.5F;      ///< 0..1: what differs by more than 60 - 20 x it is foreground, in grey levels
-        int historyLength = 500;       ///< frames of history of the mixture model
+        int historyLength = 500;       ///< frames; counts only where no rate follows from the times
         float adaptationSeconds = 10;  ///< in which most of the background is replaced, once it is learnt
         float learningSpeedup = 4;  ///< divides `adaptationSeconds` while the background is being learnt; 0: does not
     };

@@ -41,7 +41,7 @@ QUARRY_LAYOUT_FIELD(OFLineData, ReservedEnd, 44);
 /// The profile; give it back with `DisposeResult`.
 typedef struct OFLineResult {
     uint64_t Unwritten;   ///< the library leaves these bytes as they are
-    float* Values;        ///< `ValuesCount` values
+    float* Values;        ///< `ValuesCount` values; not a number where rounding leaves no distance
     int32_t ValuesCount;  ///< number of values
 } OFLineResult;
 
