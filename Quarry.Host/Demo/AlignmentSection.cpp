@@ -24,7 +24,7 @@ const Shares kMiddle = {{{0.3F, 0.3F}, {0.7F, 0.3F}, {0.5F, 0.5F}, {0.3F, 0.7F},
 const cv::Size kAligned(320, 240);
 constexpr float kPart = 0.7F;  // of the result that the landmarks take
 constexpr int kShownWidth = 340;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 const cv::Scalar kMark(80, 220, 60);  // B, G, R: green
 
 /// How a picture was turned, scaled and shifted before it is aligned.
@@ -118,7 +118,7 @@ Section AlignmentSection(const Footage& footage) {
     }
 
     Section section;
-    section.id = "alignment";
+    section.id = "point-alignment";
     section.title = "Alignment by landmarks";
     section.summary = "Turns, scales and shifts a picture so that five landmarks lie where they should.";
     section.input = html::Escape(picture.name) + ", " + std::to_string(aligned.size()) + " ways to lie";

@@ -19,7 +19,7 @@ using html::Number;
 
 constexpr double kFirstShown = 1;  // second, while the background is being learnt
 constexpr int kShownWidth = 420;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 
 /// One instant of the clip, as it is shown.
 struct Instant {
@@ -124,7 +124,7 @@ Section BackgroundSection(const Footage& footage) {
     const Instant& last = run.instants.back();
 
     Section section;
-    section.id = "background";
+    section.id = "background-model";
     section.title = "Background model";
     section.summary = "Learns what stands still in a video and marks what differs from it.";
     section.input = html::Escape(clip.name) + ", " + std::to_string(run.seconds.size()) + " frames";

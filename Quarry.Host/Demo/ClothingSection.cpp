@@ -16,7 +16,7 @@ constexpr int kRepeats = 9;       // from which the time is taken
 constexpr double kMargin = 0.15;  // around a body, as a share of its height
 constexpr int kZoomedHeight = 480;
 constexpr int kShownWidth = 420;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 
 struct Person {
     std::string name;  ///< HTML
@@ -133,7 +133,7 @@ Section ClothingSection(const Footage& footage) {
     const Person first = ZoomedTo(people.front());
 
     Section section;
-    section.id = "clothing";
+    section.id = "clothing-colours";
     section.title = "Clothing colours";
     section.summary = "The two main colours of a person&rsquo;s torso and of the legs.";
     section.input = people.size() > 1 ? people.front().name + " and " + people.back().name : people.front().name;

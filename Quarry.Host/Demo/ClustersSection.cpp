@@ -62,7 +62,7 @@ Section ClustersSection(const Footage& footage) {
     const double meanArea = run.clusters > 0 ? run.area / run.clusters : 0;
 
     Section section;
-    section.id = "clusters";
+    section.id = "contour-clusters";
     section.title = "Clusters";
     section.summary = "The things in a frame that is black between them: contour, centre and size of each.";
     section.input = MovingInput(footage.clip);

@@ -115,7 +115,7 @@ Section ColourSection(const Footage& footage) {
     const std::string instants = Instants(run);
 
     Section section;
-    section.id = "colour";
+    section.id = "colour-comparison";
     section.title = "Colour comparison";
     section.summary = "How alike the hues and saturations of the same area are in two pictures.";
     section.input = html::Escape(clip.name) + ", " + (clip.body ? "the jacket of one of " : "") +

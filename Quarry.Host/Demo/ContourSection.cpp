@@ -129,7 +129,7 @@ Section ContourSection(const Footage& footage) {
     const double share = run.found / static_cast<double>(run.milliseconds.size());
 
     Section section;
-    section.id = "contour";
+    section.id = "object-contour";
     section.title = "Contour of an object";
     section.summary = "Traces the largest object of a mask, in a rectangle of it or in all.";
     section.input = MovingInput(footage.clip);

@@ -18,7 +18,7 @@ using html::Number;
 constexpr double kNoise = 12;  // standard deviation, grey levels
 constexpr std::size_t kPictures = 3;
 const cv::Size kShown(320, 240);
-constexpr int kTableWidth = 320;
+constexpr int kTableWidth = 480;
 
 struct Denoised {
     std::string name;
@@ -75,7 +75,7 @@ Section DenoisingSection(const Footage& footage) {
     }
 
     Section section;
-    section.id = "denoising";
+    section.id = "nl-means-denoising";
     section.title = "Denoising";
     section.summary = "Averages pixels whose surroundings look alike, so that noise goes and edges stay.";
     section.input = "the middle of " + std::to_string(series.size()) + " pictures with noise added";

@@ -21,7 +21,7 @@ constexpr uint32_t kModes = 3;
 constexpr const char* kModeNames[kModes] = {"mode 0: five neighbouring hits", "mode 1: one hit", "mode 2: two hits"};
 constexpr int kSmallestFace = 24;  // pixels
 constexpr int kShownWidth = 420;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 
 std::optional<Detector> OpenDetector(const Footage& footage, uint32_t mode) try {
     return std::optional<Detector>(std::in_place,
@@ -96,7 +96,7 @@ void Fill(Section& section, const Footage& footage, Detector& detector) {
 
 Section DetectionSection(const Footage& footage) {
     Section section;
-    section.id = "detection";
+    section.id = "cascade-detector";
     section.title = "Cascade detector";
     section.summary = "Finds objects of the kind that a model was trained for, here faces.";
     section.input = "not run: no model of faces";

@@ -19,7 +19,7 @@ using html::Number;
 constexpr double kApart = 1;      // seconds
 constexpr double kAmplified = 4;  // for view
 constexpr int kShownWidth = 420;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 
 struct Run {
     double apart = 0;  ///< seconds between the two frames
@@ -77,7 +77,7 @@ Section DifferenceSection(const Footage& footage) {
     const std::string times = Number(kAmplified, 0) + "&nbsp;&times; amplified for view";
 
     Section section;
-    section.id = "difference";
+    section.id = "frame-difference";
     section.title = "Absolute difference";
     section.summary = "What differs between two frames of the same size, byte by byte.";
     section.input = html::Escape(clip.name) + ", " + std::to_string(run.milliseconds.size()) + " pairs of frames " +

@@ -18,7 +18,7 @@ using html::Number;
 constexpr const char* kPreferred = "baboon.jpg";
 constexpr double kStrongBlur = 4;  // pixels, sigma
 constexpr double kSigmas[] = {4, 2, 1, 0};
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 constexpr int kRepeats = 15;  // from which the time is taken
 
 const Picture& Chosen(const std::vector<Picture>& pictures) {

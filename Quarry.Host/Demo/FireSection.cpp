@@ -19,7 +19,7 @@ using html::Number;
 
 constexpr std::size_t kShown = 2;  // pictures, besides the drawn one
 constexpr int kShownWidth = 420;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 const cv::Size kDrawnSize(480, 360);
 
 /// A tongue of fire, as high as `scale` says.
@@ -141,7 +141,7 @@ Section FireSection(const Footage& footage) {
     const Searched& flame = drawn.front();
 
     Section section;
-    section.id = "fire";
+    section.id = "fire-pixels";
     section.title = "Fire pixels";
     section.summary = "The largest region of a picture that has the colours of a flame.";
     section.input = "a drawn flame, and " + std::to_string(searched.size()) + " pictures";

@@ -82,7 +82,7 @@ Section FlowLineSection(const Footage& footage) {
     const Run run = Play(clip);
 
     Section section;
-    section.id = "flow-line";
+    section.id = "optical-flow-line";
     section.title = "Motion across a line";
     section.summary = "Reads a motion field along a line: who crosses it, where and which way.";
     section.input =

@@ -19,7 +19,7 @@ constexpr int kFramesPerInstant = 4;  // the first is where the motion starts fr
 constexpr double kFullMotion = 5;     // pixels per frame
 constexpr int kWheel = 190;
 constexpr int kShownWidth = 560;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 
 struct Instant {
     double seconds;
@@ -70,7 +70,7 @@ Section FlowSection(const Footage& footage) {
     const Run run = Play(clip);
 
     Section section;
-    section.id = "flow";
+    section.id = "dense-optical-flow";
     section.title = "Dense optical flow";
     section.summary = "How far every pixel moved since the frame before.";
     section.input = html::Escape(clip.name) + ", " + std::to_string(run.milliseconds.size()) + " pairs of frames";

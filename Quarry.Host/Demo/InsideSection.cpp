@@ -92,7 +92,7 @@ Section InsideSection(const Footage& footage) {
     const double share = run.occupied / static_cast<double>(run.counts.x.size());
 
     Section section;
-    section.id = "inside";
+    section.id = "contour-position";
     section.title = "Contour against a polygon";
     section.summary = "Whether a contour is inside a polygon, outside of it or across its border.";
     section.input = MovingInput(footage.clip) + ", " + std::to_string(run.milliseconds.size()) + " contours";

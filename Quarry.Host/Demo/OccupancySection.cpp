@@ -97,7 +97,7 @@ Section OccupancySection(const Footage& footage) {
     const Run run = Play(footage.clip);
 
     Section section;
-    section.id = "occupancy";
+    section.id = "occupancy-grid";
     section.title = "Occupancy grid";
     section.summary = "Which cells of a coarse grid are covered by what is not black in a frame.";
     section.input = MovingInput(footage.clip);

@@ -20,7 +20,7 @@ constexpr int kSearched = 40;  // frames of the clip
 constexpr int kInstants = 6;
 constexpr float kSensitivities[] = {0.1F, 0.4F, 0.6F};
 constexpr int kShownWidth = 420;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 
 struct Run {
     int every = 1;  ///< how many frames the searched ones are apart
@@ -100,7 +100,7 @@ Section PeopleSection(const Footage& footage) {
     const std::string frames = std::to_string(run.milliseconds.size());
 
     Section section;
-    section.id = "people";
+    section.id = "people-detector";
     section.title = "People detector";
     section.summary = "Finds standing and walking people, in each frame for itself.";
     section.input = html::Escape(clip.name) + ", " + frames + " frames";

@@ -20,7 +20,7 @@ constexpr int kFollowed = 120;  // frames
 constexpr int kInstants = 8;
 constexpr double kRoom = 1.4;  // around the target, as a share of its longer side
 constexpr int kShownWidth = 340;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 const cv::Scalar kOutline(40, 120, 255);  // B, G, R: orange
 
 /// Cuts, and keeps the time that each took.
@@ -101,7 +101,7 @@ Section RectSection(const Footage& footage) {
     }
 
     Section section;
-    section.id = "rect";
+    section.id = "rect-extractor";
     section.title = "Turned rectangles";
     section.summary = "Cuts a rectangle at any angle out of a picture and turns it upright.";
     section.input = html::Escape(clip.name) + ", around " + html::Escape(clip.target.what) + ", and " +

@@ -18,7 +18,7 @@ struct Turn {
 
 constexpr Turn kTurns[] = {{0, 1}, {15, 1}, {45, 1}, {90, 1}, {180, 1}, {-30, 0.6}, {0, 0.5}, {30, 1.6}};
 constexpr int kShownWidth = 340;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 constexpr std::size_t kInTable = 1;
 
 }  // namespace
@@ -39,7 +39,7 @@ Section RotationSection(const Footage& footage) {
     }
 
     Section section;
-    section.id = "rotation";
+    section.id = "frame-rotation";
     section.title = "Rotation";
     section.summary = "Turns a picture about its middle; corners and size are kept.";
     section.input = html::Escape(picture.name) + ", " + std::to_string(turned.size()) + " turns";

@@ -37,11 +37,11 @@ namespace quarry::host {
 
 /// One operation on the page. All but the numbers is HTML.
 struct Section {
-    std::string id;         ///< anchor
+    std::string id;         ///< name of the operation in the catalogue, and anchor
     std::string title;      ///< name of the operation
     std::string summary;    ///< what it does, one sentence
     std::string input;      ///< what it was run on, for the table
-    std::string result;     ///< a picture or plot for the table
+    std::string result;     ///< a picture or plot for the table, and for the page of the operation in the documentation
     double milliseconds{};  ///< per frame, median; 0: it did not run
     std::string counted;    ///< what the time is of, where it is not a frame of the clip: "per pair"
     std::string body;       ///< what follows title and summary

@@ -95,7 +95,7 @@ Section ShapeRateSection(const Footage& footage) {
     const Run run = Play(clip);
 
     Section section;
-    section.id = "shape-rate";
+    section.id = "shape-change-rate";
     section.title = "Shape change rate";
     section.summary = "How fast a contour changes its shape, whatever its place, size and rotation.";
     section.input = MovingInput(clip) + ": " + html::Escape(clip.target.what);

@@ -83,7 +83,7 @@ Section SharpnessSection(const Footage& footage) {
     const Plot plot = OverTime(footage.clip, meter, milliseconds);
 
     Section section;
-    section.id = "sharpness";
+    section.id = "frame-sharpness";
     section.title = "Sharpness";
     section.summary = "The variance of the Laplacian of the grey picture: fine detail raises it, blur lowers it.";
     section.input = html::Escape(footage.clip.name) + ", " + std::to_string(plot.x.size()) + " frames, and " +

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kCount = 3;
 constexpr int kShownWidth = 420;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 
 std::string FigureOf(const cv::Mat& picture, const PlotMark& mark, const std::string& alt, const std::string& caption) {
     const std::string time = html::Number(mark.x, 1) + " s";

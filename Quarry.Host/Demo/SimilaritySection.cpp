@@ -99,7 +99,7 @@ Section SimilaritySection(const Footage& footage) {
     }
 
     Section section;
-    section.id = "similarity";
+    section.id = "cosine-similarity";
     section.title = "Cosine similarity";
     section.summary = "How alike two descriptions of 512 numbers are: 1 the same direction, 0 nothing in common.";
     section.input = "colour histograms of " + std::to_string(pictures.size()) + " pictures";

@@ -18,7 +18,7 @@ using html::Number;
 
 constexpr int kInstants = 6;
 constexpr int kShownWidth = 420;
-constexpr int kTableWidth = 300;
+constexpr int kTableWidth = 480;
 
 struct Instant {
     double seconds;
@@ -112,7 +112,7 @@ Section TrackingSection(const Footage& footage) {
     const Instant& shown = run.instants[run.instants.size() / 2];
 
     Section section;
-    section.id = "tracking";
+    section.id = "mosse-tracker";
     section.title = "Correlation tracker";
     section.summary = "Follows one rectangle through a video, and says when it has lost it.";
     section.input = html::Escape(clip.name) + ", " + html::Escape(clip.target.what) + ", " +
