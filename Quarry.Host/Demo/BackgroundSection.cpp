@@ -92,7 +92,7 @@ std::string InstantHtml(const Instant& instant, const std::string& letter) {
     const std::string time = Number(instant.seconds, 1) + " s";
     return R"(<div class="instant"><h3><span class="badge">)" + letter + "</span>" + time + R"( <span class="quiet">)" +
            (instant.state == Ready ? "learnt" : "learning") + " &middot; foreground " + Number(instant.share * 100, 2) +
-           " %</span></h3><div class=\"three\">\n" +
+           "&nbsp;%</span></h3><div class=\"three\">\n" +
            html::Figure(html::Jpeg(instant.frame, kShownWidth, "Frame at " + time), "frame") +
            html::Figure(html::Png(instant.foreground, kShownWidth, "Foreground mask at " + time), "foreground mask") +
            html::Figure(html::Jpeg(instant.background, kShownWidth, "Background at " + time), "background") +

@@ -84,13 +84,7 @@ Person ZoomedTo(const Person& person) {
 
 std::string Swatch(const Colour& colour, const std::string& what) {
     const std::string hex = HexOf(colour);
-    return html::Fact("<i" +
-                          html::Attribute("style",
-                                          "display:inline-block;width:0.9em;height:0.9em;border-radius:6px;"
-                                          "margin-right:10px;vertical-align:-0.08em;background:" +
-                                              hex) +
-                          "></i>" + hex,
-                      what);
+    return html::Fact(R"(<i class="swatch")" + html::Attribute("style", "background:" + hex) + "></i>" + hex, what);
 }
 
 std::string Shown(const Person& person, const ClothingColours& colours) {

@@ -15,11 +15,13 @@ constexpr const char* kStyle = R"css(
   color-scheme: light dark;
   --page: #f6f5f2; --card: #ffffff; --ink: #1d1f23; --quiet: #676b73; --line: #e4e2dc;
   --accent: #c2560c; --accent-soft: #c2560c22; --second: #2f6f8f; --second-soft: #2f6f8f1c;
+  --shade: #0003;
 }
 @media (prefers-color-scheme: dark) {
   :root {
     --page: #131417; --card: #1c1e22; --ink: #eceae6; --quiet: #9a9ea7; --line: #2f3238;
     --accent: #f08a3c; --accent-soft: #f08a3c26; --second: #79b8d6; --second-soft: #79b8d622;
+    --shade: #000a;
   }
 }
 * { box-sizing: border-box; }
@@ -44,18 +46,26 @@ section { background: var(--card); border: 1px solid var(--line); border-radius:
   margin: 0 0 26px; }
 h2 { font-size: 27px; letter-spacing: -0.015em; margin: 0 0 4px; line-height: 1.2; }
 h2 + p { margin: 0; color: var(--quiet); font-size: 17px; }
-h3 { font-size: 17px; margin: 34px 0 10px; font-weight: 650; display: flex; align-items: center; gap: 10px; }
-h3 .quiet { font-weight: 400; }
+h2 + p + p.quiet { margin-top: 14px; }
+h3 { font-size: 17px; margin: 34px 0 10px; font-weight: 650; }
+h3 .quiet { font-weight: 400; margin-left: 5px; }
 .quiet { color: var(--quiet); }
 p.quiet { font-size: 15px; margin: 6px 0 14px; max-width: 52em; }
 a { color: var(--accent); text-decoration: none; }
 a:hover { text-decoration: underline; }
-.scroll { overflow-x: auto; }
+section > p:last-child { margin-bottom: 0; }
+/* Shadows where there is more to scroll to: the first two layers move with the content and cover the others. */
+.scroll, .plot { overflow-x: auto;
+  background: linear-gradient(90deg, var(--card) 50%, transparent) 0 / 32px 100% no-repeat local,
+    linear-gradient(270deg, var(--card) 50%, transparent) 100% / 32px 100% no-repeat local,
+    linear-gradient(90deg, var(--shade), transparent) 0 / 12px 100% no-repeat,
+    linear-gradient(270deg, var(--shade), transparent) 100% / 12px 100% no-repeat; }
 table { border-collapse: collapse; width: 100%; min-width: 760px; margin-top: 14px; }
 th { text-align: left; font-size: 13px; font-weight: 600; color: var(--quiet); padding: 0 18px 8px 0; }
 td { border-top: 1px solid var(--line); padding: 16px 18px 16px 0; vertical-align: middle; }
 td:last-child .quiet { margin-left: auto; }
 td:last-child, th:last-child { text-align: right; padding-right: 0; white-space: nowrap; }
+.overview td:first-child { width: 32%; }
 td a { font-weight: 650; font-size: 17px; }
 td .quiet { display: block; font-size: 14px; max-width: 22em; }
 td img, td svg { display: block; width: 190px; height: auto; border-radius: 8px; }
@@ -66,6 +76,8 @@ td img { max-height: 142px; object-fit: cover; }
 .fact b { display: block; font-size: 27px; line-height: 1.25; letter-spacing: -0.02em; font-weight: 650;
   font-variant-numeric: tabular-nums; }
 .fact span { display: block; color: var(--quiet); font-size: 14px; line-height: 1.4; }
+.swatch { display: inline-block; width: 0.9em; height: 0.9em; border: 1px solid var(--line); border-radius: 6px;
+  margin-right: 10px; vertical-align: -0.08em; }
 .three, .four { display: grid; gap: 16px; grid-template-columns: repeat(3, 1fr); }
 .four { grid-template-columns: repeat(4, 1fr); }
 figure { margin: 0; min-width: 0; }
@@ -91,9 +103,8 @@ figcaption { font-size: 14px; color: var(--quiet); margin-top: 7px; }
 .bar { display: block; height: 5px; border-radius: 3px; background: var(--line); margin-top: 6px; overflow: hidden; }
 .bar i { display: block; height: 100%; border-radius: 3px; background: var(--accent); }
 .badge { background: var(--second); color: var(--card); border-radius: 99px; width: 26px; height: 26px; font-size: 13px;
-  display: inline-flex; align-items: center; justify-content: center; flex: none; }
+  display: inline-flex; align-items: center; justify-content: center; margin-right: 10px; }
 .instant + .instant h3 { margin-top: 26px; }
-.plot { overflow-x: auto; }
 .plot svg { display: block; width: 100%; min-width: 640px; height: auto; }
 svg text { font-size: 13px; fill: var(--quiet); font-variant-numeric: tabular-nums; }
 svg .middle { text-anchor: middle; }
@@ -108,8 +119,8 @@ svg .curvename.second { fill: var(--second); }
 svg .strip { image-rendering: pixelated; }
 svg .under { fill: var(--accent-soft); }
 svg .band { fill: var(--second-soft); }
-svg .bandname { fill: var(--second); font-weight: 600; paint-order: stroke; stroke: var(--card); stroke-width: 4px;
-  stroke-linejoin: round; }
+svg .bandname { fill: var(--second); font-weight: 600; }
+svg .curvename, svg .bandname { paint-order: stroke; stroke: var(--card); stroke-width: 4px; stroke-linejoin: round; }
 svg line.mark { stroke: var(--second); stroke-dasharray: 3 4; }
 svg circle.mark { fill: var(--second); }
 svg .markname { fill: var(--card); font-weight: 650; font-size: 12px; }
@@ -120,7 +131,17 @@ footer { color: var(--quiet); font-size: 14px; padding-top: 4px; padding-bottom:
   .four { grid-template-columns: repeat(2, 1fr); }
   .two, .three, .inset { grid-template-columns: 1fr; }
   .three.cuts { grid-template-columns: repeat(2, 1fr); }
+  .legend { flex-direction: column; align-items: flex-start; }
   h1 { font-size: 36px; }
+  .overview { min-width: 0; }
+  .overview, .overview thead, .overview tbody { display: block; }
+  .overview tr { display: grid; grid-template-columns: 1fr 130px; gap: 12px 18px; }
+  .overview th:nth-child(2), .overview th:nth-child(3) { display: none; }
+  .overview tbody tr { border-top: 1px solid var(--line); padding: 18px 0; }
+  .overview td, .overview td:first-child { border: 0; padding: 0; width: auto; }
+  .overview td:last-child { grid-area: 1 / 2; }
+  .overview td:last-child, .overview th:last-child { white-space: normal; text-wrap: balance; }
+  .overview td img, .overview td svg { width: 100%; }
 }
 @media print { section { break-inside: auto; } figure, .instant { break-inside: avoid; } }
 )css";
@@ -177,7 +198,7 @@ std::string Overview(const std::vector<Section>& sections) {
     std::string rows;
     for (const Section& section : sections) rows += Row(section);
     return "<section id=\"operations\">\n<h2>Operations</h2>\n<div "
-           "class=\"scroll\"><table>\n<thead><tr><th>Operation</th>"
+           "class=\"scroll\"><table class=\"overview\">\n<thead><tr><th>Operation</th>"
            "<th>Input</th><th>Result</th><th>Time per frame, median</th></tr></thead>\n<tbody>\n" +
            rows + "</tbody></table></div>\n</section>\n";
 }

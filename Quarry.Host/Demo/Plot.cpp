@@ -194,9 +194,10 @@ std::string BandName(const PlotBand& band, const Area& area) {
 
 std::string Mark(const PlotMark& mark, const Area& area) {
     const double column = area.Column(mark.x);
+    const double middle = area.top - 14;  // above the highest label of the axis
     return Line(column, area.top, column, area.bottom, "mark") + "<circle" + Attribute("class", "mark") +
-           Attribute("cx", Number(column, 1)) + Attribute("cy", Number(area.top - 4, 1)) + Attribute("r", "10") + "/>" +
-           Text(column, area.top, "middle markname", mark.label);
+           Attribute("cx", Number(column, 1)) + Attribute("cy", Number(middle, 1)) + Attribute("r", "10") + "/>" +
+           Text(column, middle + 4, "middle markname", mark.label);
 }
 
 /// The magnitude that is shown at full colour: all but a hundredth of the values are smaller.
