@@ -22,7 +22,7 @@ def usage_error(quarry, line):
 
 
 def main(quarry, dev, block):
-    verbs = set(re.findall(r"^  (\w+) ", subprocess.run([dev], stdout=subprocess.PIPE, text=True).stdout, re.MULTILINE))
+    verbs = set(re.findall(r"^  ([\w-]+) ", subprocess.run([dev], stdout=subprocess.PIPE, text=True).stdout, re.MULTILINE))
     wrong = []
     for line in pathlib.Path(block).read_text().splitlines():
         if line.startswith("quarry "):
