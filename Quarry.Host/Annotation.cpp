@@ -60,14 +60,15 @@ cv::Mat OutlineRegion(const cv::Mat& picture, const cv::Mat& region) {
 
 cv::Mat MarkFace(const cv::Mat& frame, const FaceEllipse& face) {
     cv::Mat picture = frame.clone();
-    cv::ellipse(picture, {face.x, face.y}, {face.halfWidth, face.halfHeight}, 0, 0, 360, kTint, 2, cv::LINE_AA);
+    cv::ellipse(picture, {face.centerX, face.centerY}, {face.halfWidth, face.halfHeight}, 0, 0, 360, kTint, 2,
+                cv::LINE_AA);
     return picture;
 }
 
-void MarkLine(cv::Mat& picture, const RelativeLine& line) {
-    const auto pixel = [&](const cv::Point2f& place) {
-        return cv::Point(cvFloor(place.x * static_cast<float>(picture.cols)),
-                         cvFloor(place.y * static_cast<float>(picture.rows)));
+void MarkLine(cv::Mat& picture, const RelLine& line) {
+    const auto pixel = [&](const FloatPoint& place) {
+        return cv::Point(cvFloor(place.X * static_cast<float>(picture.cols)),
+                         cvFloor(place.Y * static_cast<float>(picture.rows)));
     };
     cv::line(picture, pixel(line.start), pixel(line.end), kInk, 2, cv::LINE_AA);
     cv::circle(picture, pixel(line.start), 5, kInk, cv::FILLED, cv::LINE_AA);

@@ -1,11 +1,9 @@
 #pragma once
 
+#include <Quarry/Host.hpp>
 #include <opencv2/core.hpp>
 #include <string>
 #include <vector>
-
-#include "Operations/Flow.h"
-#include "Operations/Sharpness.h"
 
 namespace quarry::host {
 
@@ -25,7 +23,7 @@ cv::Mat OutlineRegion(const cv::Mat& picture, const cv::Mat& region);
 cv::Mat MarkFace(const cv::Mat& frame, const FaceEllipse& face);
 
 /// Draws the line into the picture, with a dot at its start.
-void MarkLine(cv::Mat& picture, const RelativeLine& line);
+void MarkLine(cv::Mat& picture, const RelLine& line);
 
 /// The picture over a strip with the caption.
 /// Width and height are even, as video codecs want them.

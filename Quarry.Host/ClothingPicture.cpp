@@ -13,9 +13,9 @@ const cv::Scalar kPoint(80, 220, 60);
 constexpr int kPointRadius = 1;  // pixels
 constexpr int kSmallestStrip = 16;
 
-cv::Vec3b BytesOf(const Colour& colour) {
-    const auto byte = [&](int channel) { return cv::saturate_cast<uchar>(colour[channel] * 255); };
-    return {byte(2), byte(1), byte(0)};
+cv::Vec3b BytesOf(const RgbColor& colour) {
+    const auto byte = [](float share) { return cv::saturate_cast<uchar>(share * 255); };
+    return {byte(colour.blue), byte(colour.green), byte(colour.red)};
 }
 
 }  // namespace
@@ -33,11 +33,11 @@ cv::Mat MarkBody(const cv::Mat& picture, const Body& body) {
     return marked;
 }
 
-cv::Mat WithSwatches(const cv::Mat& picture, const ClothingColours& colours) {
+cv::Mat WithSwatches(const cv::Mat& picture, const ClothingColorsResult& colours) {
     const int strip = std::max(kSmallestStrip, picture.rows / 10);
     cv::Mat whole(picture.rows + strip, picture.cols, CV_8UC3);
     picture.copyTo(whole.rowRange(0, picture.rows));
-    const Colour swatches[] = {colours.torso[0], colours.torso[1], colours.legs[0], colours.legs[1]};
+    const RgbColor swatches[] = {colours.torso(0), colours.torso(1), colours.legs(0), colours.legs(1)};
     for (int i = 0; i < 4; ++i) {
         const cv::Range columns(picture.cols * i / 4, picture.cols * (i + 1) / 4);
         if (columns.empty()) continue;
@@ -46,7 +46,7 @@ cv::Mat WithSwatches(const cv::Mat& picture, const ClothingColours& colours) {
     return whole;
 }
 
-std::string HexOf(const Colour& colour) {
+std::string HexOf(const RgbColor& colour) {
     const cv::Vec3b bytes = BytesOf(colour);
     char text[8];
     std::snprintf(text, sizeof text, "#%02x%02x%02x", bytes[2], bytes[1], bytes[0]);

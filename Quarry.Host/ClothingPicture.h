@@ -3,7 +3,7 @@
 #include <opencv2/core.hpp>
 #include <string>
 
-#include "Operations/Clothing.h"
+#include "Body.h"
 
 namespace quarry::host {
 
@@ -11,9 +11,9 @@ namespace quarry::host {
 cv::Mat MarkBody(const cv::Mat& picture, const Body& body);
 
 /// The picture over a strip with the four colours in their order.
-cv::Mat WithSwatches(const cv::Mat& picture, const ClothingColours& colours);
+cv::Mat WithSwatches(const cv::Mat& picture, const ClothingColorsResult& colours);
 
 /// `#rrggbb`.
-std::string HexOf(const Colour& colour);
+std::string HexOf(const RgbColor& colour);
 
 }  // namespace quarry::host

@@ -2,6 +2,8 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "Places.h"
+
 namespace quarry::host {
 namespace {
 
@@ -11,31 +13,28 @@ constexpr double kTint = 0.4;  // of the colour over an occupied cell
 const cv::Scalar kGrid(150, 150, 150);
 const cv::Scalar kCentre(255, 255, 255);
 
-cv::Point PixelOf(const cv::Point2f& share, const cv::Size& picture) {
-    return {cvRound(share.x * static_cast<float>(picture.width)),
-            cvRound(share.y * static_cast<float>(picture.height))};
-}
-
 void Tint(cv::Mat part, const cv::Scalar& colour) {
     cv::addWeighted(part, 1 - kTint, cv::Mat(part.size(), part.type(), colour), kTint, 0, part);
 }
 
 }  // namespace
 
-void DrawPolygon(cv::Mat& picture, const Polygon& polygon, const cv::Scalar& colour) {
+void DrawPolygon(cv::Mat& picture, Span<FloatPoint> polygon, const cv::Scalar& colour) {
     if (polygon.empty()) return;
-    std::vector<cv::Point> pixels;
-    pixels.reserve(polygon.size());
-    for (const cv::Point2f& point : polygon) pixels.push_back(PixelOf(point, picture.size()));
-    cv::polylines(picture, pixels, true, colour, kLine, cv::LINE_AA);
+    cv::polylines(picture, PixelsOf(polygon, picture.size()), true, colour, kLine, cv::LINE_AA);
 }
 
-cv::Mat MarkClusters(const cv::Mat& frame, const std::vector<FoundCluster>& clusters) {
+bool HasCentre(const Cluster& cluster) {
+    return cluster.Contour->Area > 0;
+}
+
+cv::Mat MarkClusters(const cv::Mat& frame, const ContourClusters::Clusters& clusters) {
     cv::Mat picture = frame.clone();
-    for (const FoundCluster& cluster : clusters) {
-        DrawPolygon(picture, cluster.outline.points, kMarkColour);
-        if (!cluster.centre) continue;
-        cv::drawMarker(picture, PixelOf(*cluster.centre, picture.size()), kCentre, cv::MARKER_CROSS, kCross, kLine);
+    for (const Cluster& cluster : clusters) {
+        DrawPolygon(picture, quarry::PointsOf(*cluster.Contour), kMarkColour);
+        if (!HasCentre(cluster)) continue;
+        const cv::Point centre = PixelOf({cluster.CenterX, cluster.CenterY}, picture.size());
+        cv::drawMarker(picture, centre, kCentre, cv::MARKER_CROSS, kCross, kLine);
     }
     return picture;
 }

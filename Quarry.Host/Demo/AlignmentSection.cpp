@@ -1,4 +1,6 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -6,7 +8,6 @@
 
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Alignment.h"
 #include "Timing.h"
 
 namespace quarry::host {
@@ -14,8 +15,10 @@ namespace {
 
 using html::Number;
 
+/// In pixels.
+using Landmarks = std::array<FloatPoint, SimilarityTransform::kPoints>;
 /// In shares of the picture's width and height.
-using Shares = std::array<cv::Point2f, kLandmarks>;
+using Shares = std::array<cv::Point2f, SimilarityTransform::kPoints>;
 
 constexpr const char* kPreferred = "baboon.jpg";
 const Shares kItsFace = {{{0.344F, 0.111F}, {0.654F, 0.105F}, {0.463F, 0.75F}, {0.385F, 0.87F}, {0.6F, 0.865F}}};
@@ -96,7 +99,7 @@ Section AlignmentSection(const Footage& footage) {
                                     [](const Picture& picture) { return picture.name == kPreferred; });
     const bool isFace = found != footage.pictures.end();
     const Picture& picture = isFace ? *found : footage.pictures.front();
-    Aligner aligner(kAligned);
+    SimilarityTransform align({kAligned.width, kAligned.height});
     std::vector<double> milliseconds;
     std::vector<cv::Mat> aligned;
     Landmarks layout{};
@@ -106,7 +109,7 @@ Section AlignmentSection(const Footage& footage) {
         const Sample sample = Disordered(picture, isFace ? kItsFace : kMiddle, disorder);
         if (aligned.empty()) layout = Layout(sample.landmarks);
         const Stopwatch watch;
-        aligned.push_back(aligner.Align(sample.picture, sample.landmarks, layout));
+        aligned.push_back(CloneOf(align(ViewOf(sample.picture), sample.landmarks, layout)));
         milliseconds.push_back(watch.Milliseconds());
         before += html::Figure(
             html::Jpeg(Marked(sample.picture, sample.landmarks), kShownWidth, picture.name + " with its landmarks"),

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <string>
@@ -7,9 +8,9 @@
 #include "Demo/Html.h"
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
-#include "Operations/Background.h"
-#include "Operations/Ticks.h"
+#include "Figures.h"
 #include "Progress.h"
+#include "Ticks.h"
 #include "Timing.h"
 
 namespace quarry::host {
@@ -47,24 +48,28 @@ bool IsShown(int frame, bool justLearnt, const Clip& clip) {
 
 Run Play(const Clip& clip) {
     Run run;
-    BackgroundModel model(BackgroundSettings{});
+    BackgroundModel model;
     Progress progress("background", "frames", clip.frames);
     const auto next = clip.Play();
     cv::Mat frame;
     for (int i = 0; next(frame); ++i) {
         const double seconds = i / clip.framesPerSecond;
-        const BackgroundView view = model.Take(frame, TimestampOf(i, clip.framesPerSecond));
-        const bool justLearnt = view.state == Ready && run.learntAt < 0;
+        const ImageView pixels = ViewOf(frame, TimestampOf(i, clip.framesPerSecond));
+        const Stopwatch watch;
+        const UpdaterState state = model.Update(pixels);
+        run.milliseconds.push_back(watch.Milliseconds());
+        const BackgroundPictures pictures = model.Result();
+        const double share = ShareOf(MatOf(pictures.foreground()));
+        const bool justLearnt = state == Ready && run.learntAt < 0;
         if (justLearnt) {
             run.learntAt = seconds;
             run.learntIndex = static_cast<std::size_t>(i);
         }
         run.seconds.push_back(seconds);
-        run.percent.push_back(view.foregroundShare * 100);
-        run.milliseconds.push_back(view.milliseconds);
+        run.percent.push_back(share * 100);
         if (IsShown(i, justLearnt, clip)) {
-            run.instants.push_back({seconds, view.state, view.foregroundShare, frame.clone(), view.foreground.clone(),
-                                    view.background.clone()});
+            run.instants.push_back(
+                {seconds, state, share, frame.clone(), CloneOf(pictures.foreground()), CloneOf(pictures.background())});
         }
         progress.Advance();
     }

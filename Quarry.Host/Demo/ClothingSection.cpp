@@ -1,12 +1,14 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <opencv2/imgproc.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "Body.h"
 #include "ClothingPicture.h"
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Clothing.h"
 #include "Timing.h"
 
 namespace quarry::host {
@@ -25,18 +27,18 @@ struct Person {
 };
 
 const cv::Size kFigureSize(320, 240);
-const Colour kRed(0.75F, 0.16F, 0.18F), kCream(0.95F, 0.92F, 0.82F), kNavy(0.13F, 0.2F, 0.42F),
-    kSkin(0.86F, 0.65F, 0.52F);
+constexpr RgbColor kRed = {0.75F, 0.16F, 0.18F}, kCream = {0.95F, 0.92F, 0.82F}, kNavy = {0.13F, 0.2F, 0.42F},
+                   kSkin = {0.86F, 0.65F, 0.52F};
 const std::string kFigureColours = "a red shirt with a cream stripe, navy shorts and bare shins";
 
-cv::Scalar BytesOf(const Colour& colour) {
-    return {colour[2] * 255.0, colour[1] * 255.0, colour[0] * 255.0};
+cv::Scalar BytesOf(const RgbColor& colour) {
+    return {colour.blue * 255.0, colour.green * 255.0, colour.red * 255.0};
 }
 
 /// Someone whose colours are known, drawn.
 Person Figure() {
     Person person = {"a drawn figure", cv::Mat(kFigureSize, CV_8UC3, cv::Scalar(150, 165, 160)), {}};
-    const auto draw = [&](int x, int y, int width, int height, const Colour& colour) {
+    const auto draw = [&](int x, int y, int width, int height, const RgbColor& colour) {
         cv::rectangle(person.picture, cv::Rect(x, y, width, height), BytesOf(colour), cv::FILLED);
     };
     cv::circle(person.picture, {160, 36}, 18, BytesOf(kSkin), cv::FILLED, cv::LINE_AA);
@@ -82,21 +84,21 @@ Person ZoomedTo(const Person& person) {
     return zoomed;
 }
 
-std::string Swatch(const Colour& colour, const std::string& what) {
+std::string Swatch(const RgbColor& colour, const std::string& what) {
     const std::string hex = HexOf(colour);
     return html::Fact(R"(<i class="swatch")" + html::Attribute("style", "background:" + hex) + "></i>" + hex, what);
 }
 
-std::string Shown(const Person& person, const ClothingColours& colours) {
+std::string Shown(const Person& person, const ClothingColorsResult& colours) {
     const Person zoomed = ZoomedTo(person);
     return "<div class=\"two\">" +
            html::Figure(html::Jpeg(zoomed.picture, kShownWidth, "A person"), person.name + ", enlarged") +
            html::Figure(html::Png(WithSwatches(MarkBody(zoomed.picture, zoomed.body), colours), kShownWidth,
                                   "The areas of torso and legs"),
                         "the areas, over the colours found in them") +
-           "</div>\n<div class=\"facts\">" + Swatch(colours.torso[0], "torso, first") +
-           Swatch(colours.torso[1], "torso, second") + Swatch(colours.legs[0], "legs, first") +
-           Swatch(colours.legs[1], "legs, second") + "</div>\n";
+           "</div>\n<div class=\"facts\">" + Swatch(colours.torso(0), "torso, first") +
+           Swatch(colours.torso(1), "torso, second") + Swatch(colours.legs(0), "legs, first") +
+           Swatch(colours.legs(1), "legs, second") + "</div>\n";
 }
 
 std::vector<Person> People(const Clip& clip) {
@@ -110,19 +112,18 @@ std::vector<Person> People(const Clip& clip) {
 
 Section ClothingSection(const Footage& footage) {
     const std::vector<Person> people = People(footage.clip);
-    ClothingColourFinder finder;
+    ClothingColors coloursOf;
     std::vector<double> milliseconds;
-    std::vector<ClothingColours> found;
+    std::vector<ClothingColorsResult> found;
     std::string shown;
     for (const Person& person : people) {
-        ClothingColours colours;
         for (int i = 0; i < kRepeats; ++i) {
             const Stopwatch watch;
-            colours = finder.Find(person.picture, person.body);
+            ClothingColorsResult colours = coloursOf(ViewOf(person.picture), person.body);
             milliseconds.push_back(watch.Milliseconds());
+            if (i + 1 == kRepeats) found.push_back(std::move(colours));
         }
-        found.push_back(colours);
-        shown += "<h3>The colours of " + person.name + "</h3>\n" + Shown(person, colours);
+        shown += "<h3>The colours of " + person.name + "</h3>\n" + Shown(person, found.back());
     }
     const Person first = ZoomedTo(people.front());
 

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <string>
 #include <vector>
 
@@ -6,8 +7,7 @@
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
 #include "Demo/Shots.h"
-#include "Operations/Background.h"
-#include "Operations/Clusters.h"
+#include "Foreground.h"
 #include "OutlinePicture.h"
 #include "Progress.h"
 #include "Timing.h"
@@ -32,16 +32,16 @@ Run Play(const Clip& clip) {
     run.count.title = "Number of clusters over time";
     run.count.xLabel = "time, s";
     run.count.yLabel = "clusters";
-    ClusterFinder finder(ClusterSettings{});
+    ContourClusters find(kUsualClusters);
     Progress progress("clusters", "frames", MovingFrames(clip));
     const auto next = PlayMoving(clip);
     for (MovingFrame frame; next(frame);) {
-        const cv::Mat onBlack = OnBlack(frame.pixels, frame.foreground);
+        const cv::Mat redFirst = RedFirst(OnBlack(frame.pixels, frame.foreground));
         const Stopwatch watch;
-        const std::vector<FoundCluster> clusters = finder.Find(onBlack);
+        const ContourClusters::Clusters clusters = find(ViewOf(redFirst));
         run.milliseconds.push_back(watch.Milliseconds());
         run.clusters += static_cast<double>(clusters.size());
-        for (const FoundCluster& cluster : clusters) run.area += static_cast<double>(cluster.outline.area);
+        for (const Cluster& cluster : clusters) run.area += static_cast<double>(cluster.Contour->Area);
         run.count.x.push_back(frame.seconds);
         run.count.y.push_back(static_cast<double>(clusters.size()));
         if (run.shots.Wants(frame.index)) {

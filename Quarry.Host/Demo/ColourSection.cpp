@@ -1,18 +1,17 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <opencv2/imgproc.hpp>
 #include <string>
 #include <vector>
 
+#include "Body.h"
 #include "Demo/Html.h"
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
-#include "Operations/Clothing.h"
-#include "Operations/ColourComparison.h"
-#include "Operations/Rect.h"
-#include "Operations/Tracking.h"
 #include "Progress.h"
 #include "Timing.h"
+#include "Tracking.h"
 
 namespace quarry::host {
 namespace {
@@ -43,11 +42,13 @@ class Cuts {
 public:
     explicit Cuts(const cv::Size& size_) : size(size_) {}
 
-    cv::Mat Around(const cv::Mat& frame, const cv::Point& middle) { return cutter.Cut(frame, {middle, size, 0}); }
+    cv::Mat Around(const cv::Mat& frame, const cv::Point& middle) {
+        return CloneOf(cut(ViewOf(frame), {middle.x, middle.y, size.width, size.height, 0}));
+    }
 
 private:
     cv::Size size;
-    RectCutter cutter{false};
+    RectExtractor cut{{Interpolation::Nearest}};
 };
 
 cv::Mat Outlined(const cv::Mat& view, const cv::Size& part) {
@@ -68,8 +69,8 @@ Run Play(const Clip& clip) {
     const cv::Point fromTarget = start - MiddleOf(clip.target.place);
     Cuts parts(part.size());
     Cuts surroundings({part.height * 8 / 3, part.height * 2});
-    Tracker tracker(0, clip.target.place);
-    ColourComparer comparer(ColourMeasure::Correlation);
+    Tracker tracker(clip.target.place);
+    ColorComparison compare;
     Progress progress("colours", "frames", clip.frames - clip.target.frame);
     const auto next = clip.Play();
     cv::Mat frame;
@@ -81,11 +82,11 @@ Run Play(const Clip& clip) {
         const cv::Mat left = parts.Around(frame, start);
         if (first.empty()) first = left;
         const Stopwatch watch;
-        const double likeness = comparer.Compare(first, followed, {});
+        const double likeness = compare(ViewOf(first), ViewOf(followed));
         run.milliseconds.push_back(watch.Milliseconds());
         run.plot.x.push_back(i / clip.framesPerSecond);
         run.plot.y.push_back(likeness);
-        run.plot.second.push_back(comparer.Compare(first, left, {}));
+        run.plot.second.push_back(compare(ViewOf(first), ViewOf(left)));
         run.views.push_back(Outlined(surroundings.Around(frame, place), part.size()));
         progress.Advance();
     }

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -8,8 +9,8 @@
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
 #include "Demo/Shots.h"
-#include "Operations/ObjectContour.h"
 #include "OutlinePicture.h"
+#include "Places.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -26,10 +27,10 @@ struct Method {
     Tracing tracing;
     const char* name;
 };
-constexpr Method kMethods[] = {{Tracing::None, "every pixel"},
-                               {Tracing::Simple, "ends of straight runs"},
-                               {Tracing::Tc89L1, "what shapes it most, L1"},
-                               {Tracing::Tc89Kcos, "what shapes it most, k-cosine"}};
+constexpr Method kMethods[] = {{Tracing::EveryPixel, "every pixel"},
+                               {Tracing::RunEnds, "ends of straight runs"},
+                               {Tracing::TehChinL1, "what shapes it most, L1"},
+                               {Tracing::TehChinKCosine, "what shapes it most, k-cosine"}};
 
 struct Run {
     explicit Run(const Clip& clip) : shots(MovingFrames(clip)) {}
@@ -40,11 +41,15 @@ struct Run {
     int found = 0;  ///< frames
     /// Of the second half, when the background is learnt, that with the largest contour.
     MovingFrame largest{};
-    Outline largestOutline;
+    float largestArea = 0;  ///< 0..1 of the frame's
 };
 
 cv::Rect WholeOf(const cv::Mat& picture) {
     return {{0, 0}, picture.size()};
+}
+
+OutlineResult Largest(ObjectContour& find, const cv::Mat& mask) {
+    return find(MaskViewOf(mask), RelativeOf(WholeOf(mask), mask.size()));
 }
 
 Run Play(const Clip& clip) {
@@ -52,25 +57,25 @@ Run Play(const Clip& clip) {
     run.area.title = "Area of the largest contour over time";
     run.area.xLabel = "time, s";
     run.area.yLabel = "area, % of the frame";
-    ObjectContourFinder finder(ObjectContourSettings{});
+    ObjectContour find;
     Progress progress("contours", "frames", MovingFrames(clip));
     const auto next = PlayMoving(clip);
     for (MovingFrame frame; next(frame);) {
         const Stopwatch watch;
-        const Outline outline = finder.Find(frame.foreground, WholeOf(frame.foreground));
+        const OutlineResult outline = Largest(find, frame.foreground);
         run.milliseconds.push_back(watch.Milliseconds());
-        run.found += outline.points.empty() ? 0 : 1;
+        run.found += outline.empty() ? 0 : 1;
         run.area.x.push_back(frame.seconds);
-        run.area.y.push_back(static_cast<double>(outline.area) * 100);
-        if (frame.index >= MovingFrames(clip) / 2 && outline.area > run.largestOutline.area) {
+        run.area.y.push_back(static_cast<double>(outline.area()) * 100);
+        if (frame.index >= MovingFrames(clip) / 2 && outline.area() > run.largestArea) {
             run.largest = frame;
             run.largest.pixels = frame.pixels.clone();
-            run.largestOutline = outline;
+            run.largestArea = outline.area();
         }
         if (run.shots.Wants(frame.index)) {
             cv::Mat picture = frame.pixels.clone();
-            DrawPolygon(picture, outline.points, kMarkColour);
-            run.shots.Add(frame.seconds, picture, std::to_string(outline.points.size()) + " points");
+            DrawPolygon(picture, outline, kMarkColour);
+            run.shots.Add(frame.seconds, picture, std::to_string(outline.size()) + " points");
         }
         progress.Advance();
     }
@@ -78,18 +83,8 @@ Run Play(const Clip& clip) {
     return run;
 }
 
-/// The polygon in pixels of a picture of this size, with pixel centres at whole numbers.
-std::vector<cv::Point> PixelsOf(const Polygon& polygon, const cv::Size& size) {
-    std::vector<cv::Point> pixels;
-    for (const cv::Point2f& point : polygon) {
-        pixels.emplace_back(cvRound(point.x * static_cast<float>(size.width)),
-                            cvRound(point.y * static_cast<float>(size.height)));
-    }
-    return pixels;
-}
-
 /// The contour from near, with a dot for each of its points.
-cv::Mat CloseUp(const cv::Mat& frame, const Polygon& polygon) {
+cv::Mat CloseUp(const cv::Mat& frame, Span<FloatPoint> polygon) {
     std::vector<cv::Point> pixels = PixelsOf(polygon, frame.size());
     const cv::Rect object = cv::boundingRect(pixels);
     const int margin = cvCeil(kMargin * std::max(object.width, object.height));
@@ -107,11 +102,11 @@ cv::Mat CloseUp(const cv::Mat& frame, const Polygon& polygon) {
 
 /// The largest contour as each of the methods traces it.
 std::string Methods(const Run& run) {
-    if (run.largestOutline.points.empty()) return "";
+    if (run.largestArea == 0) return "";
     std::string figures;
     for (const Method& method : kMethods) {
-        const cv::Mat& mask = run.largest.foreground;
-        const Polygon polygon = ObjectContourFinder({method.tracing, Selection::Area}).Find(mask, WholeOf(mask)).points;
+        ObjectContour find({method.tracing});
+        const OutlineResult polygon = Largest(find, run.largest.foreground);
         if (polygon.empty()) continue;
         figures += html::Figure(html::Jpeg(CloseUp(run.largest.pixels, polygon), kCloseUp, "The contour from near"),
                                 std::string(method.name) + " &middot; " + std::to_string(polygon.size()) + " points");
@@ -139,7 +134,7 @@ Section ContourSection(const Footage& footage) {
     section.body = R"(<div class="facts">)" +
                    html::Fact(html::Time(section.milliseconds), "per frame, median, without the background model") +
                    html::Fact(Number(share * 100, 0) + "&nbsp;%", "of the frames have an object") +
-                   html::Fact(Number(static_cast<double>(run.largestOutline.area) * 100, 2) + "&nbsp;%",
+                   html::Fact(Number(static_cast<double>(run.largestArea) * 100, 2) + "&nbsp;%",
                               "of the frame: the largest of the second half") +
                    "</div>\n<h3>How large it is</h3>\n" + Svg(run.area) +
                    "<p class=\"quiet\">Of each frame the contour of the largest area. Letters mark the instants shown "

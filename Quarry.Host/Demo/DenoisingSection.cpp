@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <string>
@@ -6,7 +7,6 @@
 #include "Demo/Gallery.h"
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Denoising.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -38,13 +38,13 @@ cv::Mat WithNoise(const cv::Mat& picture) {
 std::vector<Denoised> DenoiseSome(const std::vector<Picture>& pictures) {
     std::vector<Denoised> series;
     const std::size_t count = std::min(kPictures, pictures.size());
-    Denoiser denoiser;
+    FastNlMeansDenoising denoise;
     Progress progress("denoising", "pictures", static_cast<int>(count));
     for (std::size_t i = 0; i < count; ++i) {
         const cv::Mat clean = MiddleOf(pictures[i].pixels, kShown);
         const cv::Mat noisy = WithNoise(clean);
         const Stopwatch watch;
-        const cv::Mat denoised = denoiser.Denoise(noisy);
+        const cv::Mat denoised = CloneOf(denoise(ViewOf(noisy)));
         series.push_back({pictures[i].name, clean, noisy, denoised, watch.Milliseconds()});
         progress.Advance();
     }

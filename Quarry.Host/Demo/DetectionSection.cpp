@@ -1,15 +1,15 @@
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Annotation.h"
 #include "Console.h"
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Detection.h"
+#include "Detection.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -17,15 +17,15 @@ namespace quarry::host {
 namespace {
 
 constexpr std::size_t kPictures = 3;
-constexpr uint32_t kModes = 3;
-constexpr const char* kModeNames[kModes] = {"mode 0: five neighbouring hits", "mode 1: one hit", "mode 2: two hits"};
+constexpr std::pair<CascadeMode, const char*> kModes[] = {{CascadeMode::Careful, "mode 0: five neighbouring hits"},
+                                                          {CascadeMode::Eager, "mode 1: one hit"},
+                                                          {CascadeMode::Biggest, "mode 2: two hits"}};
 constexpr int kSmallestFace = 24;  // pixels
 constexpr int kShownWidth = 420;
 constexpr int kTableWidth = 480;
 
-std::optional<Detector> OpenDetector(const Footage& footage, uint32_t mode) try {
-    return std::optional<Detector>(std::in_place,
-                                   DetectionSettings{footage.faceModel.string(), kSmallestFace, 0, mode});
+std::optional<CascadeDetector> FaceDetector(const Footage& footage, CascadeMode mode) try {
+    return OpenDetector({footage.faceModel.string(), kSmallestFace, -1 /* no limit */, mode});
 } catch (const Failure&) {
     return std::nullopt;  // the page says so
 }
@@ -51,11 +51,11 @@ struct Run {
     std::string figures;
 };
 
-Run SearchAll(const std::vector<Picture>& pictures, Detector& detector) {
+Run SearchAll(const std::vector<Picture>& pictures, CascadeDetector& detector) {
     Run run;
     Progress progress("detection", "pictures", static_cast<int>(pictures.size()));
     for (const Picture& picture : pictures) {
-        run.views.push_back(detector.Find(picture.pixels));
+        run.views.push_back(Search(detector, picture.pixels));
         run.figures += FigureOf(picture, run.views.back(), html::Escape(picture.name));
         progress.Advance();
     }
@@ -65,16 +65,16 @@ Run SearchAll(const std::vector<Picture>& pictures, Detector& detector) {
 /// The same picture, searched in every mode.
 std::string ModesHtml(const Footage& footage, const Picture& picture) {
     std::string figures;
-    for (uint32_t mode = 0; mode < kModes; ++mode) {
-        std::optional<Detector> detector = OpenDetector(footage, mode);
-        if (detector) figures += FigureOf(picture, detector->Find(picture.pixels), kModeNames[mode]);
+    for (const auto& [mode, name] : kModes) {
+        std::optional<CascadeDetector> detector = FaceDetector(footage, mode);
+        if (detector) figures += FigureOf(picture, Search(*detector, picture.pixels), name);
     }
     return "<h3>How sure it has to be</h3>\n<p class=\"quiet\">The fewer neighbouring hits make a detection, the more "
            "is found, and the more of it is wrong.</p>\n<div class=\"three\">" +
            figures + "</div>\n";
 }
 
-void Fill(Section& section, const Footage& footage, Detector& detector) {
+void Fill(Section& section, const Footage& footage, CascadeDetector& detector) {
     const std::vector<Picture> pictures = Chosen(footage);
     const Run run = SearchAll(pictures, detector);
     std::vector<double> milliseconds;
@@ -102,7 +102,7 @@ Section DetectionSection(const Footage& footage) {
     section.input = "not run: no model of faces";
     section.body = "<p class=\"quiet\">Not run: there is no model of faces that can be read at " +
                    html::Escape(footage.faceModel.string()) + ".</p>\n";
-    std::optional<Detector> detector = OpenDetector(footage, 0);
+    std::optional<CascadeDetector> detector = FaceDetector(footage, CascadeMode::Careful);
     if (detector) Fill(section, footage, *detector);
     return section;
 }

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <deque>
@@ -7,7 +8,7 @@
 #include "Demo/Html.h"
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
-#include "Operations/Difference.h"
+#include "Figures.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -38,7 +39,7 @@ Run Play(const Clip& clip) {
     run.mean.title = "Mean absolute difference over time";
     run.mean.xLabel = "time, s";
     run.mean.yLabel = "mean difference, grey levels";
-    DifferenceMaker maker;
+    ImageSubtractor subtract;
     Progress progress("difference", "frames", clip.frames);
     const auto next = clip.Play();
     std::deque<cv::Mat> last;
@@ -49,7 +50,7 @@ Run Play(const Clip& clip) {
         last.push_back(frame.clone());
         if (i < apart) continue;
         const Stopwatch watch;
-        const cv::Mat difference = maker.Make(last.front(), frame);
+        const cv::Mat difference = CloneOf(subtract(ViewOf(last.front()), ViewOf(frame)));
         run.milliseconds.push_back(watch.Milliseconds());
         const DifferenceStatistics statistics = StatisticsOf(difference);
         run.mean.x.push_back(i / clip.framesPerSecond);

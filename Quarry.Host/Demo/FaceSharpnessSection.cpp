@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -7,7 +8,6 @@
 #include "Demo/Gallery.h"
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Sharpness.h"
 #include "Timing.h"
 
 namespace quarry::host {
@@ -42,7 +42,7 @@ cv::Mat Blurred(const cv::Mat& picture, double sigma) {
 
 cv::Mat MaskOf(const cv::Size& size, const FaceEllipse& face) {
     cv::Mat mask(size, CV_8UC1, cv::Scalar(0));
-    cv::ellipse(mask, {face.x, face.y}, {face.halfWidth, face.halfHeight}, 0, 0, 360, 255, cv::FILLED);
+    cv::ellipse(mask, {face.centerX, face.centerY}, {face.halfWidth, face.halfHeight}, 0, 0, 360, 255, cv::FILLED);
     return mask;
 }
 
@@ -52,9 +52,9 @@ public:
     explicit Bench(const Picture& picture_) : picture(picture_), ellipse(FaceIn(picture_)) {}
 
     Measured Measure(const cv::Mat& pixels, const std::string& caption, bool tellWhole) {
-        const float inside = meter.Measure(pixels, ellipse);
+        const float inside = measure(ViewOf(pixels), ellipse);
         const std::string whole =
-            tellWhole ? " &middot; all: " + Number(static_cast<double>(wholeMeter.Measure(pixels)), 0) : "";
+            tellWhole ? " &middot; all: " + Number(static_cast<double>(measureWhole(ViewOf(pixels))), 0) : "";
         return {caption + whole, picture.name + ", its face in an ellipse", MarkFace(pixels, ellipse), inside};
     }
 
@@ -82,7 +82,7 @@ public:
         std::vector<double> milliseconds;
         for (int i = 0; i < kRepeats; ++i) {
             const Stopwatch watch;
-            meter.Measure(picture.pixels, ellipse);
+            measure(ViewOf(picture.pixels), ellipse);
             milliseconds.push_back(watch.Milliseconds());
         }
         return Quantile(milliseconds, 0.5);
@@ -93,8 +93,8 @@ public:
 private:
     const Picture& picture;
     FaceEllipse ellipse;
-    FaceSharpnessMeter meter;
-    SharpnessMeter wholeMeter;
+    FaceVarianceOfLaplacian measure;
+    VarianceOfLaplacian measureWhole;
 };
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -8,7 +9,7 @@
 #include "Annotation.h"
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Fire.h"
+#include "Figures.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -54,14 +55,20 @@ Picture DrawnFlame() {
 
 struct Searched {
     Picture picture;
-    FireView view;
+    cv::Mat region;
+    double share;  ///< 0..1 of the picture's pixels
+    double milliseconds;
 };
 
-std::vector<Searched> SearchAll(const std::vector<Picture>& pictures, FireFinder& finder) {
+std::vector<Searched> SearchAll(const std::vector<Picture>& pictures, FirePixels& find) {
     std::vector<Searched> all;
     Progress progress("fire", "pictures", static_cast<int>(pictures.size()));
     for (const Picture& picture : pictures) {
-        all.push_back({picture, finder.Find(picture.pixels)});
+        const Stopwatch watch;
+        const FirePixels::Flames flames = find(ViewOf(picture.pixels));
+        const double milliseconds = watch.Milliseconds();
+        const cv::Mat region = CloneOf(flames);
+        all.push_back({picture, region, ShareOf(region), milliseconds});
         progress.Advance();
     }
     return all;
@@ -70,25 +77,25 @@ std::vector<Searched> SearchAll(const std::vector<Picture>& pictures, FireFinder
 /// Those with the largest regions.
 std::vector<Searched> MostFlaming(std::vector<Searched> searched) {
     std::stable_sort(searched.begin(), searched.end(),
-                     [](const Searched& left, const Searched& right) { return left.view.share > right.view.share; });
+                     [](const Searched& left, const Searched& right) { return left.share > right.share; });
     if (searched.size() > kShown) searched.erase(searched.begin() + kShown, searched.end());
     return searched;
 }
 
 std::string Triple(const Searched& one) {
     const std::string name = html::Escape(one.picture.name);
-    return "<h3>" + name + R"( <span class="quiet">)" + Number(one.view.share * 100, 1) +
+    return "<h3>" + name + R"( <span class="quiet">)" + Number(one.share * 100, 1) +
            "&nbsp;% of the pixels</span></h3>\n<div class=\"three\">" +
            html::Figure(html::Jpeg(one.picture.pixels, kShownWidth, one.picture.name), "picture") +
-           html::Figure(html::Png(one.view.mask, kShownWidth, one.picture.name + ", flame mask"), "flame mask") +
-           html::Figure(html::Jpeg(OutlineRegion(one.picture.pixels, one.view.mask), kShownWidth,
-                                   one.picture.name + ", outlined"),
-                        "outlined") +
+           html::Figure(html::Png(one.region, kShownWidth, one.picture.name + ", flame mask"), "flame mask") +
+           html::Figure(
+               html::Jpeg(OutlineRegion(one.picture.pixels, one.region), kShownWidth, one.picture.name + ", outlined"),
+               "outlined") +
            "</div>\n";
 }
 
 /// Hue from left to right, lightness from bottom to top; what is no flame colour is nearly grey.
-cv::Mat ColourChart(FireFinder& finder, double saturation) {
+cv::Mat ColourChart(FirePixels& find, double saturation) {
     const cv::Size cells(60, 20);
     constexpr int kCell = 8;            // pixels
     constexpr double kWashedOut = 0.8;  // towards grey
@@ -106,7 +113,8 @@ cv::Mat ColourChart(FireFinder& finder, double saturation) {
         for (int x = 0; x < cells.width; ++x) {
             auto& colour = colours.at<cv::Vec3b>(y, x);
             // The finder judges regions: the colour fills a picture of its own.
-            if (finder.Find(cv::Mat(kCell, kCell, CV_8UC3, cv::Scalar(colour))).share > 0) continue;
+            const FirePixels::Flames flames = find(ViewOf(cv::Mat(kCell, kCell, CV_8UC3, cv::Scalar(colour))));
+            if (cv::countNonZero(MatOf(flames)) > 0) continue;
             for (int c = 0; c < 3; ++c) {
                 colour[c] = cv::saturate_cast<uchar>(colour[c] * (1 - kWashedOut) + grey[c] * kWashedOut);
             }
@@ -117,10 +125,10 @@ cv::Mat ColourChart(FireFinder& finder, double saturation) {
     return chart;
 }
 
-std::string ChartsHtml(FireFinder& finder) {
+std::string ChartsHtml(FirePixels& find) {
     const auto chart = [&](double saturation) {
         const std::string caption = "saturation " + Number(saturation * 100, 0) + "&nbsp;%";
-        const cv::Mat picture = ColourChart(finder, saturation);
+        const cv::Mat picture = ColourChart(find, saturation);
         return html::Figure(html::Png(picture, picture.cols, "The flame colours among all hues"), caption);
     };
     return "<h3>Which colours count as flame</h3>\n<p class=\"quiet\">Hue from red over green and blue back to red, "
@@ -132,12 +140,12 @@ std::string ChartsHtml(FireFinder& finder) {
 }  // namespace
 
 Section FireSection(const Footage& footage) {
-    FireFinder finder;
-    const std::vector<Searched> drawn = SearchAll({DrawnFlame()}, finder);
-    const std::vector<Searched> searched = SearchAll(footage.pictures, finder);
+    FirePixels find;
+    const std::vector<Searched> drawn = SearchAll({DrawnFlame()}, find);
+    const std::vector<Searched> searched = SearchAll(footage.pictures, find);
     std::vector<double> milliseconds;
     milliseconds.reserve(searched.size());
-    for (const Searched& one : searched) milliseconds.push_back(one.view.milliseconds);
+    for (const Searched& one : searched) milliseconds.push_back(one.milliseconds);
     const Searched& flame = drawn.front();
 
     Section section;
@@ -146,10 +154,10 @@ Section FireSection(const Footage& footage) {
     section.summary = "The largest region of a picture that has the colours of a flame.";
     section.input = "a drawn flame, and " + std::to_string(searched.size()) + " pictures";
     section.result =
-        html::Jpeg(OutlineRegion(flame.picture.pixels, flame.view.mask), kTableWidth, "A drawn flame, outlined");
+        html::Jpeg(OutlineRegion(flame.picture.pixels, flame.region), kTableWidth, "A drawn flame, outlined");
     section.milliseconds = Quantile(milliseconds, 0.5);
     section.counted = "per picture";
-    section.body = ChartsHtml(finder) + Triple(flame) +
+    section.body = ChartsHtml(find) + Triple(flame) +
                    "<p class=\"quiet\">The region is grown by up to 10 pixels. Below: the pictures with the largest "
                    "regions. Colour alone decides, so that things which do not burn are found too.</p>\n";
     for (const Searched& one : MostFlaming(searched)) section.body += Triple(one);

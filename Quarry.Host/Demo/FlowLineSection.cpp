@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -8,7 +9,7 @@
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
 #include "FlowPicture.h"
-#include "Operations/Flow.h"
+#include "Foreground.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -41,8 +42,8 @@ Run Play(const Clip& clip) {
     run.mean.xLabel = "time, s";
     run.mean.yLabel = "mean motion, pixels";
     run.mean.fromZero = false;
-    FlowCalculator calculator(FlowSettings{});
-    FlowLineMeter meter;
+    DenseOpticalFlow calculator;
+    OpticalFlowLine measure;
     Progress progress("motion across a line", "frames", (clip.frames + kEvery - 1) / kEvery);
     const auto next = clip.Play();
     cv::Mat frame;
@@ -52,11 +53,15 @@ Run Play(const Clip& clip) {
         cv::Mat halved;
         cv::resize(frame, halved, {}, kScaled, kScaled, cv::INTER_AREA);
         run.size = halved.size();
-        const FlowView view = calculator.Take(halved);
+        const cv::Mat redFirst = RedFirst(halved);
+        const Stopwatch flowWatch;
+        calculator.Update(ViewOf(redFirst));
+        const FlowResult field = calculator.Result();
+        if (i > 0) run.flowMilliseconds.push_back(flowWatch.Milliseconds());
         const Stopwatch watch;
-        const std::vector<float> values = meter.Measure(view.motion, clip.line, kValues);
+        const OpticalFlowLine::Values across = measure(field, clip.line, kValues);
         run.milliseconds.push_back(watch.Milliseconds());
-        if (i > 0) run.flowMilliseconds.push_back(view.milliseconds);
+        const std::vector<float> values(across.begin(), across.end());
         run.strip.x.push_back(i / clip.framesPerSecond);
         run.strip.columns.push_back(values);
         run.mean.x.push_back(i / clip.framesPerSecond);

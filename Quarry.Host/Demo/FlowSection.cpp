@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -5,7 +6,7 @@
 #include "Demo/Html.h"
 #include "Demo/Section.h"
 #include "FlowPicture.h"
-#include "Operations/Flow.h"
+#include "Foreground.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -37,7 +38,7 @@ struct Run {
 Run Play(const Clip& clip) {
     Run run;
     const int apart = std::max(kFramesPerInstant, clip.frames / (kInstants + 1));
-    FlowCalculator calculator(FlowSettings{});
+    DenseOpticalFlow calculator;
     Progress progress("flow", "frames", kInstants * kFramesPerInstant);
     const auto next = clip.Play();
     cv::Mat frame;
@@ -45,12 +46,16 @@ Run Play(const Clip& clip) {
         const int place = i % apart;
         const bool counts = static_cast<int>(run.instants.size()) < kInstants && (i >= apart || clip.frames <= apart);
         if (!counts || place >= kFramesPerInstant) continue;
-        const FlowView view = calculator.Take(frame);
+        const cv::Mat redFirst = RedFirst(frame);
+        const Stopwatch watch;
+        calculator.Update(ViewOf(redFirst));
+        const FlowResult field = calculator.Result();
+        if (place > 0) run.milliseconds.push_back(watch.Milliseconds());
         progress.Advance();
-        if (place > 0) run.milliseconds.push_back(view.milliseconds);
         if (place < kFramesPerInstant - 1 && i < clip.frames - 1) continue;
+        const cv::Mat motion = MatOf(field);
         run.instants.push_back(
-            {i / clip.framesPerSecond, SpeedOf(view.motion), frame.clone(), FlowPicture(view.motion, kFullMotion)});
+            {i / clip.framesPerSecond, SpeedOf(motion), frame.clone(), FlowPicture(motion, kFullMotion)});
     }
     return run;
 }

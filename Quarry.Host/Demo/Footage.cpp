@@ -32,7 +32,7 @@ std::function<bool(cv::Mat&)> PlayFile(const std::filesystem::path& path) {
 /// What is to be seen in the clip of pedestrians.
 const cv::Size kPedestriansSize(768, 576);
 const ClipTarget kWalkers = {"two walkers", 30, {663, 248, 55, 96}};
-const RelativeLine kAcrossTheRoad = {{0.62F, 0.72F}, {0.62F, 0.2F}};
+const RelLine kAcrossTheRoad = {{0.62F, 0.72F}, {0.62F, 0.2F}};
 
 /// One of the walkers, seen from behind. In pixels.
 constexpr float kWalkersPoints[kBodyPoints][2] = {
@@ -71,7 +71,7 @@ std::optional<Clip> RealClip(const std::filesystem::path& path) try {
     clip.framesInAll = frames < kFramesPlayed ? frames : std::max(video.frameCount(), frames);
     clip.target = pedestrians ? kWalkers : MiddleOf(size);
     if (pedestrians) clip.body = WalkersBody();
-    clip.line = pedestrians ? kAcrossTheRoad : RelativeLine{{0.5F, 0.9F}, {0.5F, 0.1F}};
+    clip.line = pedestrians ? kAcrossTheRoad : RelLine{{0.5F, 0.9F}, {0.5F, 0.1F}};
     clip.Play = [path] { return PlayFile(path); };
     return clip;
 } catch (const Failure&) {

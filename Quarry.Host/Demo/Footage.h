@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Quarry/Host.hpp>
 #include <filesystem>
 #include <functional>
 #include <opencv2/core.hpp>
@@ -7,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Operations/Clothing.h"
-#include "Operations/Flow.h"
+#include "Body.h"
 
 namespace quarry::host {
 
@@ -35,7 +35,7 @@ struct Clip {
 
     ClipTarget target;
     std::optional<Body> body;  ///< of someone in the frame that first shows the target
-    RelativeLine line;         ///< that something crosses
+    RelLine line;              ///< that something crosses
 
     /// Starts anew; each call of what it gives fills in the next frame, or says false after the last one.
     std::function<std::function<bool(cv::Mat&)>()> Play;

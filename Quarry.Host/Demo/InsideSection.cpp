@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <string>
 #include <vector>
 
@@ -6,10 +7,9 @@
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
 #include "Demo/Shots.h"
-#include "Operations/Background.h"
-#include "Operations/Clusters.h"
-#include "Operations/Placement.h"
+#include "Foreground.h"
 #include "OutlinePicture.h"
+#include "Places.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -32,9 +32,9 @@ struct Run {
     int occupied = 0;                  ///< frames with something in the zone
 };
 
-const cv::Scalar& ColourOf(Position position) {
-    if (position == Position::Crossing) return kCrossingColour;
-    return position == Position::Inside ? kMarkColour : kOutsideColour;
+const cv::Scalar& ColourOf(ContourPosition position) {
+    if (position == ContourPosition::Crossing) return kCrossingColour;
+    return position == ContourPosition::Inside ? kMarkColour : kOutsideColour;
 }
 
 /// What one frame shows.
@@ -44,16 +44,18 @@ struct Seen {
     int crossing = 0;
 };
 
-Seen Look(const MovingFrame& frame, ClusterFinder& clusters, PlacementFinder& placements, Run& run) {
+Seen Look(const MovingFrame& frame, ContourClusters& find, ContourIntersection& place, Run& run) {
     Seen seen{frame.pixels.clone()};
     DrawPolygon(seen.picture, kZone, kZoneColour);
-    for (const FoundCluster& cluster : clusters.Find(OnBlack(frame.pixels, frame.foreground))) {
+    const cv::Mat redFirst = RedFirst(OnBlack(frame.pixels, frame.foreground));
+    for (const Cluster& cluster : find(ViewOf(redFirst))) {
+        const Span<FloatPoint> contour = quarry::PointsOf(*cluster.Contour);
         const Stopwatch watch;
-        const Position position = placements.Find(kZone, cluster.outline.points);
+        const ContourPosition position = place(kZone, contour);
         run.milliseconds.push_back(watch.Milliseconds());
-        DrawPolygon(seen.picture, cluster.outline.points, ColourOf(position));
-        seen.inside += position == Position::Inside ? 1 : 0;
-        seen.crossing += position == Position::Crossing ? 1 : 0;
+        DrawPolygon(seen.picture, contour, ColourOf(position));
+        seen.inside += position == ContourPosition::Inside ? 1 : 0;
+        seen.crossing += position == ContourPosition::Crossing ? 1 : 0;
     }
     return seen;
 }
@@ -65,12 +67,12 @@ Run Play(const Clip& clip) {
     run.counts.yLabel = "contours";
     run.counts.name = "inside";
     run.counts.secondName = "crossing";
-    ClusterFinder clusters(ClusterSettings{});
-    PlacementFinder placements;
+    ContourClusters find(kUsualClusters);
+    ContourIntersection place;
     Progress progress("inside a zone", "frames", MovingFrames(clip));
     const auto next = PlayMoving(clip);
     for (MovingFrame frame; next(frame);) {
-        const Seen seen = Look(frame, clusters, placements, run);
+        const Seen seen = Look(frame, find, place, run);
         run.occupied += seen.inside + seen.crossing > 0 ? 1 : 0;
         run.counts.x.push_back(frame.seconds);
         run.counts.y.push_back(seen.inside);

@@ -1,12 +1,12 @@
 #include "Demo/Moving.h"
 
+#include <Quarry/HostOpenCV.hpp>
 #include <cstddef>
 #include <memory>
 
 #include "Demo/Html.h"
-#include "Operations/Background.h"
-#include "Operations/Ticks.h"
 #include "Progress.h"
+#include "Ticks.h"
 
 namespace quarry::host {
 namespace {
@@ -25,13 +25,14 @@ std::function<bool(cv::Mat&)> PlayEvery(const Clip& clip) {
 
 std::vector<cv::Mat> Learn(const Clip& clip) {
     std::vector<cv::Mat> foregrounds;
-    BackgroundModel model(BackgroundSettings{});
+    BackgroundModel model;
     Progress progress("what moves", "frames", MovingFrames(clip));
     const auto next = PlayEvery(clip);
     const double rate = clip.framesPerSecond / kMovingEvery;
     cv::Mat frame;
     for (int i = 0; next(frame); ++i) {
-        foregrounds.push_back(model.Take(frame, TimestampOf(i, rate)).foreground.clone());
+        model.Update(ViewOf(frame, TimestampOf(i, rate)));
+        foregrounds.push_back(CloneOf(model.Result().foreground()));
         progress.Advance();
     }
     return foregrounds;

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -8,8 +9,7 @@
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
 #include "Demo/Shots.h"
-#include "Operations/Background.h"
-#include "Operations/Occupancy.h"
+#include "Foreground.h"
 #include "OutlinePicture.h"
 #include "Progress.h"
 #include "Timing.h"
@@ -34,28 +34,22 @@ struct Run {
     double most = 0;  ///< 0..1 of the time, of the cell that is occupied most
 };
 
-OccupancySettings SettingsFor(const cv::Size& frame) {
-    OccupancySettings settings;
-    settings.grid = {std::min(kGrid.width, frame.width), std::min(kGrid.height, frame.height)};
-    return settings;
-}
-
 Run Play(const Clip& clip) {
     Run run(clip);
     run.share.title = "Share of the cells that are occupied, over time";
     run.share.xLabel = "time, s";
     run.share.yLabel = "occupied, % of the cells";
-    const OccupancySettings settings = SettingsFor(clip.size);
-    run.grid = settings.grid;
+    run.grid = {std::min(kGrid.width, clip.size.width), std::min(kGrid.height, clip.size.height)};
     run.times = cv::Mat::zeros(run.grid, CV_64FC1);
-    OccupancyMeter meter(settings);
+    ContourGrid find(kUsualGrid);
     Progress progress("occupancy", "frames", MovingFrames(clip));
     const auto next = PlayMoving(clip);
     for (MovingFrame frame; next(frame);) {
-        const cv::Mat onBlack = OnBlack(frame.pixels, frame.foreground);
+        const cv::Mat redFirst = RedFirst(OnBlack(frame.pixels, frame.foreground));
         const Stopwatch watch;
-        const cv::Mat cells = meter.Measure(onBlack);
+        const ContourGrid::Cells found = find(ViewOf(redFirst), {run.grid.width, run.grid.height});
         run.milliseconds.push_back(watch.Milliseconds());
+        const cv::Mat cells = MatOf(found);
         cv::accumulate(cells, run.times);
         const int occupied = cv::countNonZero(cells);
         run.share.x.push_back(frame.seconds);

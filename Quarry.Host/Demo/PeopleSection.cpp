@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <string>
@@ -7,7 +8,8 @@
 #include "Demo/Html.h"
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
-#include "Operations/People.h"
+#include "Detection.h"
+#include "Places.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -21,6 +23,14 @@ constexpr int kInstants = 6;
 constexpr float kSensitivities[] = {0.1F, 0.4F, 0.6F};
 constexpr int kShownWidth = 420;
 constexpr int kTableWidth = 480;
+
+DetectionView Search(PeopleDetector& detector, const cv::Mat& frame) {
+    const ImageView pixels = ViewOf(frame);
+    const Stopwatch watch;
+    const Detections people = detector(pixels);
+    const double milliseconds = watch.Milliseconds();
+    return {PlacesOf(people, {{0, 0}, frame.size()}), milliseconds};
+}
 
 struct Run {
     int every = 1;  ///< how many frames the searched ones are apart
@@ -42,25 +52,25 @@ Run Play(const Clip& clip) {
     run.count.title = "People found over time";
     run.count.xLabel = "time, s";
     run.count.yLabel = "people found";
-    PeopleFinder finder({});
+    PeopleDetector detector({0.4F});
     Progress progress("people", "frames", searched);
     const auto next = clip.Play();
     std::size_t most = 0;
     cv::Mat frame;
     for (int i = 0; next(frame); ++i) {
         if (i % run.every != 0) continue;
-        const PeopleView view = finder.Find(frame);
+        const DetectionView view = Search(detector, frame);
         const double seconds = i / clip.framesPerSecond;
         run.milliseconds.push_back(view.milliseconds);
         run.count.x.push_back(seconds);
-        run.count.y.push_back(static_cast<double>(view.people.size()));
-        if (run.crowded.empty() || view.people.size() > most) {
-            most = view.people.size();
+        run.count.y.push_back(static_cast<double>(view.found.size()));
+        if (run.crowded.empty() || view.found.size() > most) {
+            most = view.found.size();
             run.crowded = frame.clone();
         }
         if (i / run.every % showEvery == 0) {
             run.count.marks.push_back({seconds, std::string(1, static_cast<char>('A' + run.shown.size()))});
-            run.shown.push_back(MarkFound(frame, PlacesOf(view.people)));
+            run.shown.push_back(MarkFound(frame, view.found));
         }
         progress.Advance();
     }
@@ -81,10 +91,11 @@ std::string Instants(const Run& run) {
 std::string SensitivitiesHtml(const cv::Mat& frame) {
     std::string figures;
     for (const float sensitivity : kSensitivities) {
-        const PeopleView view = PeopleFinder({sensitivity, 0, 1}).Find(frame);
+        PeopleDetector detector({sensitivity});
+        const DetectionView view = Search(detector, frame);
         const std::string name = "sensitivity " + Number(static_cast<double>(sensitivity), 1);
-        figures += html::Figure(html::Jpeg(MarkFound(frame, PlacesOf(view.people)), kShownWidth, "People at " + name),
-                                R"(<span class="pair"><span>)" + name + ": " + std::to_string(view.people.size()) +
+        figures += html::Figure(html::Jpeg(MarkFound(frame, view.found), kShownWidth, "People at " + name),
+                                R"(<span class="pair"><span>)" + name + ": " + std::to_string(view.found.size()) +
                                     " found</span><b>" + html::Time(view.milliseconds) + "</b></span>");
     }
     return "<h3>How finely it searches</h3>\n<p class=\"quiet\">The searched frame with the most people, from the "

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -5,10 +6,9 @@
 
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Rect.h"
-#include "Operations/Tracking.h"
 #include "Progress.h"
 #include "Timing.h"
+#include "Tracking.h"
 
 namespace quarry::host {
 namespace {
@@ -28,22 +28,24 @@ class Bench {
 public:
     cv::Mat Cut(const cv::Mat& picture, const TurnedRect& rect) {
         const Stopwatch watch;
-        cv::Mat cut = cutter.Cut(picture, rect);
+        cv::Mat part = CloneOf(cut(ViewOf(picture), rect));
         milliseconds.push_back(watch.Milliseconds());
-        return cut;
+        return part;
     }
 
     double Median() const { return Quantile(milliseconds, 0.5); }
 
 private:
-    RectCutter cutter{true};
+    RectExtractor cut;
     std::vector<double> milliseconds;
 };
 
 cv::Mat Outlined(const cv::Mat& picture, const TurnedRect& rect) {
     cv::Mat marked = picture.clone();
     cv::Point2f corners[4];
-    cv::RotatedRect(rect.centre, rect.size, static_cast<float>(rect.angle)).points(corners);
+    cv::RotatedRect(cv::Point(rect.centerX, rect.centerY), cv::Size(rect.width, rect.height),
+                    static_cast<float>(rect.degrees))
+        .points(corners);
     const int line = std::max(1, picture.cols / 200);
     for (int i = 0; i < 4; ++i) cv::line(marked, corners[i], corners[(i + 1) % 4], kOutline, line, cv::LINE_AA);
     return marked;
@@ -56,7 +58,7 @@ std::string Turned(const Picture& picture, Bench& bench) {
     std::string pictures;
     std::string cuts;
     for (const double angle : kAngles) {
-        const TurnedRect rect = {{pixels.cols / 2, pixels.rows / 2}, {height * 4 / 3, height}, angle};
+        const TurnedRect rect = {pixels.cols / 2, pixels.rows / 2, height * 4 / 3, height, angle};
         const std::string named = Number(angle, 0) + "&deg;";
         pictures += html::Figure(html::Jpeg(Outlined(pixels, rect), kShownWidth, picture.name + ", a rectangle in it"),
                                  "turned by " + named);
@@ -72,7 +74,7 @@ std::vector<std::pair<double, cv::Mat>> Follow(const Clip& clip, Bench& bench) {
     const int count = std::min(kFollowed, clip.frames - clip.target.frame);
     const int step = std::max(1, count / kInstants);
     std::vector<std::pair<double, cv::Mat>> instants;
-    Tracker tracker(0, clip.target.place);
+    Tracker tracker(clip.target.place);
     Progress progress("cutting", "frames", count);
     const auto next = clip.Play();
     cv::Mat frame;
@@ -80,8 +82,8 @@ std::vector<std::pair<double, cv::Mat>> Follow(const Clip& clip, Bench& bench) {
         const int since = i - clip.target.frame;
         if (since < 0) continue;
         const cv::Rect place = tracker.Take(frame).target;
-        const cv::Point middle = place.tl() + cv::Point(place.width / 2, place.height / 2);
-        const cv::Mat cut = bench.Cut(frame, {middle, {height * 4 / 3, height}, 0});
+        const cv::Mat cut =
+            bench.Cut(frame, {place.x + place.width / 2, place.y + place.height / 2, height * 4 / 3, height, 0});
         if (since % step == 0 && instants.size() < kInstants) instants.emplace_back(i / clip.framesPerSecond, cut);
         progress.Advance();
     }

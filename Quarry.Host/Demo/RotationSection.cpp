@@ -1,9 +1,9 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <string>
 #include <vector>
 
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Rotation.h"
 #include "Timing.h"
 
 namespace quarry::host {
@@ -25,13 +25,13 @@ constexpr std::size_t kInTable = 1;
 
 Section RotationSection(const Footage& footage) {
     const Picture& picture = footage.pictures.front();
-    Rotator rotator(picture.pixels.size());
+    RotationTransform rotate({picture.pixels.cols, picture.pixels.rows});
     std::vector<double> milliseconds;
     std::vector<cv::Mat> turned;
     std::string figures;
     for (const Turn& turn : kTurns) {
         const Stopwatch watch;
-        turned.push_back(rotator.Rotate(picture.pixels, turn.angle, turn.scale));
+        turned.push_back(CloneOf(rotate(ViewOf(picture.pixels), turn.angle, turn.scale)));
         milliseconds.push_back(watch.Milliseconds());
         const std::string scale = turn.scale == 1 ? "" : ", scale " + Number(turn.scale, 1);
         figures += html::Figure(html::Jpeg(turned.back(), kShownWidth, picture.name + ", turned"),

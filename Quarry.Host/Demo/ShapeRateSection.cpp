@@ -1,4 +1,4 @@
-#include <cmath>
+#include <Quarry/HostOpenCV.hpp>
 #include <string>
 #include <vector>
 
@@ -8,19 +8,17 @@
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
 #include "Demo/Shots.h"
-#include "Operations/ObjectContour.h"
-#include "Operations/ShapeRate.h"
-#include "Operations/Tracking.h"
+#include "Figures.h"
 #include "OutlinePicture.h"
+#include "Places.h"
 #include "Progress.h"
 #include "Timing.h"
+#include "Tracking.h"
 
 namespace quarry::host {
 namespace {
 
 using html::Number;
-
-constexpr int kMethod = 1;
 
 struct Run {
     explicit Run(const Clip& clip) : shots(MovingFrames(clip)) {}
@@ -34,25 +32,24 @@ struct Run {
 class Rates {
 public:
     Rates(Run& run_, const Clip& clip)
-        : run(run_), meter(kMethod), size(clip.size), interval(MovingInterval(clip) * 1000) {}
+        : run(run_), timing{clip.size.width, clip.size.height, MovingInterval(clip) * 1000, 0} {}
 
     void Add(double seconds, const Polygon& contour) {
         if (!before.empty() && !contour.empty()) {
             const Stopwatch watch;
-            const double rate = meter.Measure(before, contour, size, interval);
+            const double rate = rateOf(contour, before, timing);
             run.milliseconds.push_back(watch.Milliseconds());
             run.rate.x.push_back(seconds);
             // Shapes that cannot be compared leave the curve where it is.
-            run.rate.y.push_back(std::isfinite(rate) ? rate : run.rate.y.empty() ? 0 : run.rate.y.back());
+            run.rate.y.push_back(IsOfComparableShapes(rate) ? rate : run.rate.y.empty() ? 0 : run.rate.y.back());
         }
         before = contour;
     }
 
 private:
     Run& run;
-    ShapeRateMeter meter;
-    cv::Size size;
-    double interval;
+    ContourRate rateOf;
+    ContourTiming timing;
     Polygon before;
 };
 
@@ -63,8 +60,8 @@ Run Play(const Clip& clip) {
     run.rate.xLabel = "time, s";
     run.rate.yLabel = "change per second";
     const std::vector<cv::Mat>& foregrounds = clip.Foregrounds();
-    Tracker tracker(0, clip.target.place);
-    ObjectContourFinder finder(ObjectContourSettings{});
+    Tracker tracker(clip.target.place);
+    ObjectContour find;
     Rates rates(run, clip);
     Progress progress("shape change", "frames", clip.frames);
     const auto next = clip.Play();
@@ -75,7 +72,11 @@ Run Play(const Clip& clip) {
         const cv::Rect place = tracker.Take(frame).target & cv::Rect({0, 0}, frame.size());
         if (i % kMovingEvery != 0) continue;
         const cv::Mat& foreground = foregrounds[static_cast<std::size_t>(i / kMovingEvery)];
-        const Polygon contour = place.empty() ? Polygon() : finder.Find(foreground, place).points;
+        Polygon contour;
+        if (!place.empty()) {
+            const OutlineResult outline = find(MaskViewOf(foreground), RelativeOf(place, frame.size()));
+            contour.assign(outline.begin(), outline.end());
+        }
         const double seconds = i / clip.framesPerSecond;
         rates.Add(seconds, contour);
         if (run.shots.Wants(i / kMovingEvery)) {

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -9,7 +10,6 @@
 #include "Demo/Html.h"
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
-#include "Operations/Sharpness.h"
 #include "Progress.h"
 #include "Timing.h"
 
@@ -20,24 +20,24 @@ using html::Number;
 
 /// Of the Gaussian, in pixels.
 constexpr double kSigmas[] = {8, 4, 2, 1, 0.5, 0};
-std::vector<Measured> Blurred(const Picture& picture, SharpnessMeter& meter) {
+std::vector<Measured> Blurred(const Picture& picture, VarianceOfLaplacian& measure) {
     std::vector<Measured> series;
     for (const double sigma : kSigmas) {
         cv::Mat pixels = picture.pixels.clone();
         if (sigma > 0) cv::GaussianBlur(pixels, pixels, {}, sigma);
         const std::string name = sigma > 0 ? "&sigma; = " + Number(sigma, sigma < 1 ? 1 : 0) + "&nbsp;px" : "as it is";
         const std::string alt = picture.name + (sigma > 0 ? ", blurred" : "");
-        series.push_back({name, alt, MiddleOf(pixels, kCut), meter.Measure(pixels)});
+        series.push_back({name, alt, MiddleOf(pixels, kCut), measure(ViewOf(pixels))});
     }
     return series;
 }
 
-std::vector<Measured> FromBlurredToSharp(const std::vector<Picture>& pictures, SharpnessMeter& meter) {
+std::vector<Measured> FromBlurredToSharp(const std::vector<Picture>& pictures, VarianceOfLaplacian& measure) {
     std::vector<Measured> series;
     series.reserve(pictures.size());
     for (const Picture& picture : pictures) {
-        series.push_back(
-            {html::Escape(picture.name), picture.name, MiddleOf(picture.pixels, kCut), meter.Measure(picture.pixels)});
+        series.push_back({html::Escape(picture.name), picture.name, MiddleOf(picture.pixels, kCut),
+                          measure(ViewOf(picture.pixels))});
     }
     std::sort(series.begin(), series.end(),
               [](const auto& left, const auto& right) { return left.variance < right.variance; });
@@ -45,7 +45,7 @@ std::vector<Measured> FromBlurredToSharp(const std::vector<Picture>& pictures, S
 }
 
 /// Sharpness of each frame; `milliseconds` takes what each one took.
-Plot OverTime(const Clip& clip, SharpnessMeter& meter, std::vector<double>& milliseconds) {
+Plot OverTime(const Clip& clip, VarianceOfLaplacian& measure, std::vector<double>& milliseconds) {
     Plot plot;
     plot.title = "Sharpness of the frames over time";
     plot.xLabel = "time, s";
@@ -56,7 +56,7 @@ Plot OverTime(const Clip& clip, SharpnessMeter& meter, std::vector<double>& mill
     cv::Mat frame;
     for (int i = 0; next(frame); ++i) {
         const Stopwatch watch;
-        const float variance = meter.Measure(frame);
+        const float variance = measure(ViewOf(frame));
         milliseconds.push_back(watch.Milliseconds());
         plot.x.push_back(i / clip.framesPerSecond);
         plot.y.push_back(variance);
@@ -78,9 +78,9 @@ std::string Facts(const Plot& plot, const std::vector<double>& milliseconds) {
 }  // namespace
 
 Section SharpnessSection(const Footage& footage) {
-    SharpnessMeter meter;
+    VarianceOfLaplacian measure;
     std::vector<double> milliseconds;
-    const Plot plot = OverTime(footage.clip, meter, milliseconds);
+    const Plot plot = OverTime(footage.clip, measure, milliseconds);
 
     Section section;
     section.id = "frame-sharpness";
@@ -94,9 +94,9 @@ Section SharpnessSection(const Footage& footage) {
                    html::Escape(footage.pictures.front().name) +
                    " under a Gaussian blur of growing &sigma;. Values are in grey levels&sup2;; bars are on a "
                    "logarithmic scale. Shown pixel by pixel is the middle, measured is the whole picture.</p>\n" +
-                   Gallery(Blurred(footage.pictures.front(), meter), "three cuts") +
+                   Gallery(Blurred(footage.pictures.front(), measure), "three cuts") +
                    "<h3>Different pictures, from blurred to sharp</h3>\n" +
-                   Gallery(FromBlurredToSharp(footage.pictures, meter), "four") +
+                   Gallery(FromBlurredToSharp(footage.pictures, measure), "four") +
                    "<h3>Over the time of the clip</h3>\n" + Svg(plot);
     return section;
 }

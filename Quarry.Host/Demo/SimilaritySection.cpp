@@ -1,3 +1,5 @@
+#include <Quarry/Host.hpp>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <string>
@@ -5,7 +7,6 @@
 
 #include "Demo/Html.h"
 #include "Demo/Section.h"
-#include "Operations/Similarity.h"
 #include "Timing.h"
 
 namespace quarry::host {
@@ -16,6 +17,8 @@ using html::Number;
 constexpr int kLevels = 8;  // per channel: 8 x 8 x 8 bins are 512 values
 constexpr int kThumbnail = 144;
 constexpr int kRepeats = 200;  // of a pair, for one reading of the clock
+
+using Embedding = std::array<float, CosineSimilarity::kLength>;
 
 /// The colours of a picture: how often each of 512 occurs, scaled to length 1.
 Embedding HistogramOf(const cv::Mat& picture) {
@@ -39,10 +42,10 @@ struct Pair {
     double milliseconds;
 };
 
-Pair Measure(SimilarityMeter& meter, const Embedding& first, const Embedding& second) {
+Pair Measure(CosineSimilarity& compare, const Embedding& first, const Embedding& second) {
     const Stopwatch watch;
     double similarity = 0;
-    for (int i = 0; i < kRepeats; ++i) similarity = meter.Measure(first, second);
+    for (int i = 0; i < kRepeats; ++i) similarity = compare(first, second);
     return {similarity, watch.Milliseconds() / kRepeats};
 }
 
@@ -81,7 +84,7 @@ Section SimilaritySection(const Footage& footage) {
     embeddings.reserve(pictures.size());
     for (const Picture& picture : pictures) embeddings.push_back(HistogramOf(picture.pixels));
 
-    SimilarityMeter meter;
+    CosineSimilarity compare;
     std::vector<double> milliseconds;
     std::vector<std::vector<double>> similarities(pictures.size());
     std::string rows;
@@ -90,7 +93,7 @@ Section SimilaritySection(const Footage& footage) {
         heads += Head(pictures[i]);
         rows += R"(<tr><th scope="row">)" + html::Escape(pictures[i].name) + "</th>";
         for (const Embedding& other : embeddings) {
-            const Pair pair = Measure(meter, embeddings[i], other);
+            const Pair pair = Measure(compare, embeddings[i], other);
             milliseconds.push_back(pair.milliseconds);
             similarities[i].push_back(pair.similarity);
             rows += Cell(pair.similarity);

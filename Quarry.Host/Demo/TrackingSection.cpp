@@ -7,9 +7,9 @@
 #include "Demo/Html.h"
 #include "Demo/Plot.h"
 #include "Demo/Section.h"
-#include "Operations/Tracking.h"
 #include "Progress.h"
 #include "Timing.h"
+#include "Tracking.h"
 
 namespace quarry::host {
 namespace {
@@ -65,7 +65,7 @@ Run Play(const Clip& clip) {
     run.place.secondName = "y";
     run.place.fromZero = false;
     const int count = clip.frames - clip.target.frame;
-    Tracker tracker(0, clip.target.place);
+    Tracker tracker(clip.target.place);
     Progress progress("tracking", "frames", count);
     LostStretches lost;
     const auto next = clip.Play();

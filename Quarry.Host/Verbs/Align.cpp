@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <limits>
 #include <memory>
@@ -6,7 +7,6 @@
 #include <vector>
 
 #include "Console.h"
-#include "Operations/Alignment.h"
 #include "Verbs/JsonFile.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverPicture.h"
@@ -28,7 +28,8 @@ never mirrored. Where the result reaches beyond the picture it is black.
 Example:
   quarry align face.jpg landmarks.json --size 112x112 --out face-aligned.png)";
 
-constexpr PointLimits kLimits = {std::numeric_limits<int16_t>::min(), std::numeric_limits<int16_t>::max(), kLandmarks};
+constexpr PointLimits kLimits = {std::numeric_limits<int16_t>::min(), std::numeric_limits<int16_t>::max(),
+                                 SimilarityTransform::kPoints};
 
 struct Options {
     PictureOptions files;
@@ -36,17 +37,15 @@ struct Options {
     std::optional<cv::Size> size;  ///< none: that of the picture
 };
 
-Landmarks LandmarksIn(const nlohmann::json& object, const std::string& key, const std::string& path) {
+std::vector<FloatPoint> LandmarksIn(const nlohmann::json& object, const std::string& key, const std::string& path) {
     const std::string named = path + ": \"" + key + "\"";
     if (!object.contains(key)) throw Failure(named + " is missing; it must be 5 [x, y] pairs");
-    const std::vector<FloatPoint> points = PointsOf(object.at(key), named, kLimits);
-    Landmarks landmarks{};
-    std::copy(points.begin(), points.end(), landmarks.begin());
+    std::vector<FloatPoint> points = PointsOf(object.at(key), named, kLimits);
     const bool inOnePlace = std::all_of(points.begin(), points.end(), [&](const FloatPoint& point) {
         return point.X == points[0].X && point.Y == points[0].Y;
     });
     if (inOnePlace) throw Failure(named + ": all points are in one place; at least two must differ");
-    return landmarks;
+    return points;
 }
 
 int Run(const Options& options) {
@@ -55,10 +54,11 @@ int Run(const Options& options) {
     if (!object.is_object()) {
         throw Failure(options.points + R"(: not a JSON object with "source" and "destination")");
     }
-    const Landmarks source = LandmarksIn(object, "source", options.points);
-    const Landmarks destination = LandmarksIn(object, "destination", options.points);
+    const std::vector<FloatPoint> source = LandmarksIn(object, "source", options.points);
+    const std::vector<FloatPoint> destination = LandmarksIn(object, "destination", options.points);
     return RunOverPicture(options.files, [&](const cv::Mat& picture) {
-        return Aligner(options.size.value_or(picture.size())).Align(picture, source, destination);
+        const cv::Size size = options.size.value_or(picture.size());
+        return CloneOf(SimilarityTransform({size.width, size.height})(ViewOf(picture), source, destination));
     });
 }
 

@@ -1,11 +1,11 @@
-#include "Operations/Background.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "Annotation.h"
+#include "Figures.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverVideo.h"
@@ -24,35 +24,49 @@ Example:
 
 struct Options {
     VideoOptions video;
-    BackgroundSettings model;
+    BackgroundModel::Options model;
 };
+
+const char* NameOf(UpdaterState state) {
+    switch (state) {
+        case NoResult:
+            return "NoResult";
+        case Accumulating:
+            return "Accumulating";
+        case Ready:
+            return "Ready";
+    }
+    return "unknown";
+}
 
 class Background : public FrameByFrame {
 public:
-    explicit Background(const BackgroundSettings& settings) : model(settings) {}
+    explicit Background(const BackgroundModel::Options& options) : model(options) {}
 
     void Take(const VideoFrame& frame) override {
         last = frame;
-        view = model.Take(frame.pixels, frame.timestamp);
-        milliseconds.push_back(view.milliseconds);
-        shares += view.foregroundShare;
+        const ImageView pixels = ViewOf(frame.pixels, frame.timestamp);
+        const Stopwatch watch;
+        state = model.Update(pixels);
+        milliseconds.push_back(watch.Milliseconds());
+        foreground = MatOf(model.Result().foreground());
+        share = ShareOf(foreground);
+        shares += share;
     }
 
     std::string TableHead() const override { return "  state         foreground %        ms"; }
 
     std::string TableRow() const override {
-        return Format("  %-12s  %12.3f  %8.2f", NameOf(view.state), view.foregroundShare * 100, view.milliseconds);
+        return Format("  %-12s  %12.3f  %8.2f", NameOf(state), share * 100, milliseconds.back());
     }
 
     nlohmann::ordered_json Fields() const override {
-        return {
-            {"state", NameOf(view.state)}, {"foreground", view.foregroundShare}, {"milliseconds", view.milliseconds}};
+        return {{"state", NameOf(state)}, {"foreground", share}, {"milliseconds", milliseconds.back()}};
     }
 
     cv::Mat Annotated() const override {
-        return WithCaption(Mark(last.pixels, view.foreground),
-                           Format("frame %d   %.2f s   %s   foreground %.2f %%", last.index, last.seconds,
-                                  NameOf(view.state), view.foregroundShare * 100));
+        return WithCaption(Mark(last.pixels, foreground), Format("frame %d   %.2f s   %s   foreground %.2f %%",
+                                                                 last.index, last.seconds, NameOf(state), share * 100));
     }
 
     std::string Summary() const override {
@@ -63,7 +77,9 @@ public:
 private:
     BackgroundModel model;
     VideoFrame last{};
-    BackgroundView view{};
+    UpdaterState state = NoResult;
+    cv::Mat foreground;  ///< the model's own
+    double share = 0;    ///< 0..1 of the frame's pixels, of the foreground
     std::vector<double> milliseconds;
     double shares = 0;
 };
@@ -81,17 +97,18 @@ Verb AddBackground(CLI::App& commandLine) {
         "background", "What moves in a video: learns its background and marks what differs from it");
     command->footer(kFooter);
     AddVideoOptions(*command, options->video, "its foreground marked");
-    BackgroundSettings& model = options->model;
+    BackgroundModel::Options& model = options->model;
     command->add_option("--sensitivity", model.sensitivity, "How small a difference from the background counts")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command->add_option("--history", model.history, "Frames of history of the model")
+    command->add_option("--history", model.historyLength, "Frames of history of the model")
         ->check(Within(1, 100'000))
         ->capture_default_str();
     command->add_option("--adaptation", model.adaptationSeconds, "Seconds in which a learnt background follows changes")
         ->check(Within(0.001, 86'400))
         ->capture_default_str();
-    command->add_option("--speedup", model.speedup, "How many times faster it is learnt at first; 0 is no faster")
+    command
+        ->add_option("--speedup", model.learningSpeedup, "How many times faster it is learnt at first; 0 is no faster")
         ->check(Within(0, 1000))
         ->capture_default_str();
     return {command, [options] { return Run(*options); }};

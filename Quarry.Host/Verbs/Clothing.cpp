@@ -1,5 +1,4 @@
-#include "Operations/Clothing.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <iostream>
 #include <memory>
@@ -8,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Body.h"
 #include "ClothingPicture.h"
 #include "Console.h"
 #include "Media.h"
@@ -51,30 +51,31 @@ Body ReadBody(const std::string& path) {
     return body;
 }
 
-nlohmann::ordered_json JsonOf(const std::array<Colour, 2>& colours) {
+nlohmann::ordered_json JsonOf(const RgbColor& first, const RgbColor& second) {
     nlohmann::ordered_json array = nlohmann::ordered_json::array();
-    for (const Colour& colour : colours) {
-        array.push_back({{"colour", HexOf(colour)}, {"red", colour[0]}, {"green", colour[1]}, {"blue", colour[2]}});
+    for (const RgbColor& colour : {first, second}) {
+        array.push_back(
+            {{"colour", HexOf(colour)}, {"red", colour.red}, {"green", colour.green}, {"blue", colour.blue}});
     }
     return array;
 }
 
-std::string Line(const char* area, const char* place, const Colour& colour) {
-    return Format("%-6s%-8s%-8s%7.3f%7.3f%7.3f\n", area, place, HexOf(colour).c_str(), static_cast<double>(colour[0]),
-                  static_cast<double>(colour[1]), static_cast<double>(colour[2]));
+std::string Line(const char* area, const char* place, const RgbColor& colour) {
+    return Format("%-6s%-8s%-8s%7.3f%7.3f%7.3f\n", area, place, HexOf(colour).c_str(), static_cast<double>(colour.red),
+                  static_cast<double>(colour.green), static_cast<double>(colour.blue));
 }
 
-void Write(const Options& options, const ClothingColours& colours, double milliseconds) {
+void Write(const Options& options, const ClothingColorsResult& colours, double milliseconds) {
     if (options.json) {
         std::cout << JsonLine({{"file", options.picture},
-                               {"torso", JsonOf(colours.torso)},
-                               {"legs", JsonOf(colours.legs)},
+                               {"torso", JsonOf(colours.torso(0), colours.torso(1))},
+                               {"legs", JsonOf(colours.legs(0), colours.legs(1))},
                                {"milliseconds", milliseconds}});
         return;
     }
     std::cout << "area  place   colour      red  green   blue\n"
-              << Line("torso", "first", colours.torso[0]) << Line("torso", "second", colours.torso[1])
-              << Line("legs", "first", colours.legs[0]) << Line("legs", "second", colours.legs[1]);
+              << Line("torso", "first", colours.torso(0)) << Line("torso", "second", colours.torso(1))
+              << Line("legs", "first", colours.legs(0)) << Line("legs", "second", colours.legs(1));
 }
 
 int Run(const Options& options) {
@@ -87,7 +88,7 @@ int Run(const Options& options) {
     std::optional<PictureFile> file;
     if (!options.out.empty()) file.emplace(options.out);
     const Stopwatch watch;
-    const ClothingColours colours = ClothingColourFinder().Find(picture, body);
+    const ClothingColorsResult colours = ClothingColors()(ViewOf(picture), body);
     const double milliseconds = watch.Milliseconds();
     if (file) file->Write(WithSwatches(MarkBody(picture, body), colours));
     Write(options, colours, milliseconds);

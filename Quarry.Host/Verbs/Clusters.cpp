@@ -1,10 +1,11 @@
-#include "Operations/Clusters.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Annotation.h"
+#include "Foreground.h"
 #include "OutlinePicture.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
@@ -32,48 +33,51 @@ Examples:
 
 struct Options {
     VideoOptions input;
-    ClusterSettings settings;
+    float minArea = kUsualClusters.minContourAreaRate;
+    bool everyPixel = false;
 };
 
-nlohmann::ordered_json ObjectOf(const FoundCluster& cluster) {
+nlohmann::ordered_json ObjectOf(const Cluster& cluster) {
     nlohmann::ordered_json object = {{"centre", nullptr},
-                                     {"area", cluster.outline.area},
-                                     {"perimeter", cluster.outline.perimeter},
-                                     {"points", JsonOf(cluster.outline.points)}};
-    if (cluster.centre) object["centre"] = {cluster.centre->x, cluster.centre->y};
+                                     {"area", cluster.Contour->Area},
+                                     {"perimeter", cluster.Contour->Perimeter},
+                                     {"points", JsonOf(quarry::PointsOf(*cluster.Contour))}};
+    if (HasCentre(cluster)) object["centre"] = {cluster.CenterX, cluster.CenterY};
     return object;
 }
 
 class Clusters : public FrameByFrame {
 public:
-    explicit Clusters(const Options& options) : shown(options.input.video), finder(options.settings) {}
+    explicit Clusters(const Options& options)
+        : shown(options.input.video),
+          find({options.everyPixel ? 1.0F : kUsualClusters.outlinePrecision, options.minArea}) {}
 
     void Take(const VideoFrame& frame) override {
         last = frame;
-        const cv::Mat onBlack = shown.Take(frame);
+        const cv::Mat redFirst = RedFirst(shown.Take(frame));
         const Stopwatch watch;
-        clusters = finder.Find(onBlack);
+        clusters = find(ViewOf(redFirst));
         milliseconds.push_back(watch.Milliseconds());
-        inAll += clusters.size();
+        inAll += clusters->size();
         area = 0;
-        for (const FoundCluster& cluster : clusters) area += static_cast<double>(cluster.outline.area);
+        for (const Cluster& cluster : *clusters) area += static_cast<double>(cluster.Contour->Area);
     }
 
     std::string TableHead() const override { return "  clusters    area %        ms"; }
 
     std::string TableRow() const override {
-        return Format("  %8zu  %8.3f  %8.2f", clusters.size(), area * 100, milliseconds.back());
+        return Format("  %8zu  %8.3f  %8.2f", clusters->size(), area * 100, milliseconds.back());
     }
 
     nlohmann::ordered_json Fields() const override {
         nlohmann::ordered_json objects = nlohmann::ordered_json::array();
-        for (const FoundCluster& cluster : clusters) objects.push_back(ObjectOf(cluster));
+        for (const Cluster& cluster : *clusters) objects.push_back(ObjectOf(cluster));
         return {{"clusters", objects}, {"milliseconds", milliseconds.back()}};
     }
 
     cv::Mat Annotated() const override {
-        return WithCaption(MarkClusters(last.pixels, clusters),
-                           shown.Place(last) + Format("%zu clusters   area %.2f %%", clusters.size(), area * 100));
+        return WithCaption(MarkClusters(last.pixels, *clusters),
+                           shown.Place(last) + Format("%zu clusters   area %.2f %%", clusters->size(), area * 100));
     }
 
     std::string Summary() const override {
@@ -84,9 +88,9 @@ public:
 
 private:
     Shown shown;
-    ClusterFinder finder;
+    ContourClusters find;
     VideoFrame last{};
-    std::vector<FoundCluster> clusters;
+    std::optional<ContourClusters::Clusters> clusters;
     double area = 0;  ///< 0..1 of the frame's, of all clusters
     std::size_t inAll = 0;
     std::vector<double> milliseconds;  ///< of the clusters alone
@@ -105,10 +109,10 @@ Verb AddClusters(CLI::App& commandLine) {
         "clusters", "The things that move in a video, or that are not black in a picture: contours and centres");
     command->footer(kFooter);
     AddPictureOrVideoOptions(*command, options->input, "contours and centres drawn");
-    command->add_option("--min-area", options->settings.minArea, "Share of the frame that a thing must have to count")
+    command->add_option("--min-area", options->minArea, "Share of the frame that a thing must have to count")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command->add_flag("--every-pixel", options->settings.everyPixel,
+    command->add_flag("--every-pixel", options->everyPixel,
                       "Keep every pixel of the borders, not only those that shape them");
     return {command, [options] { return Run(*options); }};
 }

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -6,7 +7,7 @@
 
 #include "Console.h"
 #include "Media.h"
-#include "Operations/ColourComparison.h"
+#include "Places.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
 #include "Verbs/Verbs.h"
@@ -31,19 +32,19 @@ be large enough.
 Example:
   quarry colours monday.jpg friday.jpg --area 0.4,0.2,0.1,0.3 --method bhattacharyya)";
 
-const std::map<std::string, ColourMeasure> kMethods = {
-    {"correlation", ColourMeasure::Correlation},
-    {"chi-square", ColourMeasure::ChiSquare},
-    {"intersection", ColourMeasure::Intersection},
-    {"bhattacharyya", ColourMeasure::Bhattacharyya},
-    {"alternative-chi-square", ColourMeasure::AlternativeChiSquare},
-    {"kullback-leibler", ColourMeasure::KullbackLeibler},
+const std::map<std::string, HistogramMeasure> kMethods = {
+    {"correlation", HistogramMeasure::Correlation},
+    {"chi-square", HistogramMeasure::ChiSquare},
+    {"intersection", HistogramMeasure::Intersection},
+    {"bhattacharyya", HistogramMeasure::Bhattacharyya},
+    {"alternative-chi-square", HistogramMeasure::AlternativeChiSquare},
+    {"kullback-leibler", HistogramMeasure::KullbackLeibler},
 };
 
 struct Options {
     std::string first;
     std::string second;
-    RelativeArea area;
+    RelRect area = kWholeFrame;
     std::string areaText = "0,0,1,1";
     std::string method = "correlation";
     bool json = false;
@@ -82,9 +83,9 @@ int Run(const Options& options) {
     const cv::Mat first = ReadPicture(options.first);
     const cv::Mat second = ReadPicture(options.second);
     const cv::Rect area = CheckedArea(options, first.size(), second.size());
-    ColourComparer comparer(kMethods.at(options.method));
+    ColorComparison compare({kMethods.at(options.method)});
     const Stopwatch watch;
-    const double similarity = comparer.Compare(first, second, options.area);
+    const double similarity = compare(ViewOf(first), ViewOf(second), options.area);
     Write(options, area, similarity, watch.Milliseconds());
     return kExitFine;
 }

@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <map>
 #include <memory>
 #include <optional>
@@ -5,9 +6,8 @@
 #include <vector>
 
 #include "Annotation.h"
-#include "Operations/Background.h"
-#include "Operations/ObjectContour.h"
 #include "OutlinePicture.h"
+#include "Places.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverVideo.h"
@@ -38,7 +38,7 @@ Examples:
 struct Options {
     VideoOptions video;
     std::optional<cv::Rect> rect;
-    ObjectContourSettings contour;
+    ObjectContour::Options contour;
 };
 
 /// @throws CLI::ValidationError  it is not
@@ -50,38 +50,39 @@ void CheckIsWithin(const cv::Rect& rect, const cv::Size& frame) {
 
 class Contours : public FrameByFrame {
 public:
-    explicit Contours(const Options& options)
-        : rect(options.rect), model(BackgroundSettings{}), finder(options.contour) {}
+    explicit Contours(const Options& options) : rect(options.rect), find(options.contour) {}
 
     void Take(const VideoFrame& frame) override {
         if (frame.index == 0 && rect) CheckIsWithin(*rect, frame.pixels.size());
         last = frame;
-        const cv::Mat foreground = model.Take(frame.pixels, frame.timestamp).foreground;
+        model.Update(ViewOf(frame.pixels, frame.timestamp));
+        const cv::Size size = frame.pixels.size();
+        const RelRect area = RelativeOf(rect.value_or(cv::Rect({0, 0}, size)), size);
         const Stopwatch watch;
-        outline = finder.Find(foreground, rect.value_or(cv::Rect({0, 0}, frame.pixels.size())));
+        outline = find(model.Result().foreground(), area);
         milliseconds.push_back(watch.Milliseconds());
-        found += outline.points.empty() ? 0 : 1;
+        found += outline->empty() ? 0 : 1;
     }
 
     std::string TableHead() const override { return "  points    area %  perimeter %        ms"; }
 
     std::string TableRow() const override {
-        return Format("  %6zu  %8.3f  %11.2f  %8.2f", outline.points.size(), static_cast<double>(outline.area) * 100,
-                      static_cast<double>(outline.perimeter) * 100, milliseconds.back());
+        return Format("  %6zu  %8.3f  %11.2f  %8.2f", outline->size(), static_cast<double>(outline->area()) * 100,
+                      static_cast<double>(outline->perimeter()) * 100, milliseconds.back());
     }
 
     nlohmann::ordered_json Fields() const override {
-        return {{"points", JsonOf(outline.points)},
-                {"area", outline.area},
-                {"perimeter", outline.perimeter},
+        return {{"points", JsonOf(*outline)},
+                {"area", outline->area()},
+                {"perimeter", outline->perimeter()},
                 {"milliseconds", milliseconds.back()}};
     }
 
     cv::Mat Annotated() const override {
-        cv::Mat picture = rect ? MarkTarget(last.pixels, *rect, !outline.points.empty()) : last.pixels.clone();
-        DrawPolygon(picture, outline.points, kMarkColour);
+        cv::Mat picture = rect ? MarkTarget(last.pixels, *rect, !outline->empty()) : last.pixels.clone();
+        DrawPolygon(picture, *outline, kMarkColour);
         return WithCaption(picture, Format("frame %d   %.2f s   %zu points   area %.2f %%", last.index, last.seconds,
-                                           outline.points.size(), static_cast<double>(outline.area) * 100));
+                                           outline->size(), static_cast<double>(outline->area()) * 100));
     }
 
     std::string Summary() const override {
@@ -91,9 +92,9 @@ public:
 private:
     std::optional<cv::Rect> rect;
     BackgroundModel model;
-    ObjectContourFinder finder;
+    ObjectContour find;
     VideoFrame last{};
-    Outline outline;
+    std::optional<OutlineResult> outline;
     std::vector<double> milliseconds;  ///< of the contour alone
     int found = 0;
 };
@@ -135,11 +136,12 @@ Verb AddContours(CLI::App& commandLine) {
             "--rect", [options](const std::string& text) { options->rect = RectOf(text); },
             "Where to look, in pixels (default: the whole frame)")
         ->type_name("X,Y,WIDTH,HEIGHT");
-    const std::map<std::string, Tracing> methods = {{"none", Tracing::None},
-                                                    {"simple", Tracing::Simple},
-                                                    {"tc89-l1", Tracing::Tc89L1},
-                                                    {"tc89-kcos", Tracing::Tc89Kcos}};
-    const std::map<std::string, Selection> selections = {{"area", Selection::Area}, {"diagonal", Selection::Diagonal}};
+    const std::map<std::string, Tracing> methods = {{"none", Tracing::EveryPixel},
+                                                    {"simple", Tracing::RunEnds},
+                                                    {"tc89-l1", Tracing::TehChinL1},
+                                                    {"tc89-kcos", Tracing::TehChinKCosine}};
+    const std::map<std::string, Selection> selections = {{"area", Selection::LargestArea},
+                                                         {"diagonal", Selection::LongestDiagonal}};
     AddChoice(*command, "--method", options->contour.tracing, methods, "simple",
               "Which points of the border are left out");
     AddChoice(*command, "--select", options->contour.selection, selections, "area",

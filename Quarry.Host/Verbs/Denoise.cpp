@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <cmath>
 #include <iostream>
 #include <memory>
@@ -7,7 +8,6 @@
 
 #include "Console.h"
 #include "Media.h"
-#include "Operations/Denoising.h"
 #include "Progress.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
@@ -71,7 +71,7 @@ int Run(const Options& options) {
     {
         const Waiting waiting("denoising " + std::to_string(picture.cols) + " x " + std::to_string(picture.rows) +
                               " pixels");
-        denoised = Denoiser().Denoise(picture);
+        denoised = CloneOf(FastNlMeansDenoising()(ViewOf(picture)));
     }
     const double milliseconds = watch.Milliseconds();
     file.Write(denoised);

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "Annotation.h"
-#include "Operations/Detection.h"
+#include "Detection.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverPictures.h"
 #include "Verbs/Verbs.h"
@@ -27,17 +27,28 @@ Example:
 
 struct Options {
     PictureOptions pictures;
-    DetectionSettings detector;
-    cv::Rect2f area = kWholePicture;
+    std::string model;
+    int minSize = 0;  ///< of an object's side, pixels; 0: no limit
+    int maxSize = 0;  ///< the same
+    uint32_t mode = 0;
+    RelRect area = kWholeFrame;
 };
+
+double LimitOf(int side) {
+    constexpr double kNoLimit = -1;
+    return side > 0 ? side : kNoLimit;
+}
 
 class Detect : public PictureByPicture {
 public:
-    explicit Detect(const Options& options) : area(options.area), detector(options.detector) {}
+    explicit Detect(const Options& options)
+        : area(options.area),
+          detector(OpenDetector({options.model, LimitOf(options.minSize), LimitOf(options.maxSize),
+                                 static_cast<CascadeMode>(options.mode)})) {}
 
     void Take(const cv::Mat& picture) override {
         last = picture;
-        view = detector.Find(picture, area);
+        view = Search(detector, picture, area);
     }
 
     std::string TableHead() const override { return "   found        ms  detections"; }
@@ -59,19 +70,18 @@ public:
     cv::Mat Annotated() const override { return MarkFound(last, view.found); }
 
 private:
-    cv::Rect2f area;
-    Detector detector;
+    RelRect area;
+    CascadeDetector detector;
     cv::Mat last;
     DetectionView view{};
 };
 
 int Run(const Options& options) {
     CheckAnnotated(options.pictures);
-    const auto [model, minSize, maxSize, mode] = options.detector;
-    CheckIsNotAnInput("--out", options.pictures.annotated, {model});
-    if (maxSize > 0 && maxSize < minSize) {
-        throw CLI::ValidationError("--max-size", "must be 0 or at least --min-size, " + std::to_string(minSize) +
-                                                     ", not " + std::to_string(maxSize));
+    CheckIsNotAnInput("--out", options.pictures.annotated, {options.model});
+    if (options.maxSize > 0 && options.maxSize < options.minSize) {
+        throw CLI::ValidationError(
+            "--max-size", Format("must be 0 or at least --min-size, %d, not %d", options.minSize, options.maxSize));
     }
     Detect verb(options);
     return RunOverPictures(options.pictures, "detect", verb);
@@ -85,20 +95,19 @@ Verb AddDetect(CLI::App& commandLine) {
         "detect", "Finds objects of one kind in pictures, e.g. faces: of the kind that a model was trained for");
     command->footer(kFooter);
     AddPictureOptions(*command, options->pictures, "Pictures to search", "rectangles around what was found");
-    DetectionSettings& detector = options->detector;
-    command->add_option("--cascade", detector.model, "The model, an XML file")->required();
+    command->add_option("--cascade", options->model, "The model, an XML file")->required();
     command
         ->add_option_function<std::string>(
             "--area", [options](const std::string& text) { options->area = AreaOf("--area", text); },
             "Search this part of the picture, in fractions of its width and height (default: all of it)")
         ->type_name("X,Y,WIDTH,HEIGHT");
-    command->add_option("--min-size", detector.minSize, "Smallest side of an object in pixels; 0 is no limit")
+    command->add_option("--min-size", options->minSize, "Smallest side of an object in pixels; 0 is no limit")
         ->check(Within(0, 100'000))
         ->capture_default_str();
-    command->add_option("--max-size", detector.maxSize, "Largest side of an object in pixels; 0 is no limit")
+    command->add_option("--max-size", options->maxSize, "Largest side of an object in pixels; 0 is no limit")
         ->check(Within(0, 100'000))
         ->capture_default_str();
-    command->add_option("--mode", detector.mode, "0: the surest; 1: finds the most; 2: between them")
+    command->add_option("--mode", options->mode, "0: the surest; 1: finds the most; 2: between them")
         ->check(CLI::IsMember({"0", "1", "2"}))
         ->capture_default_str();
     return {command, [options] { return Run(*options); }};

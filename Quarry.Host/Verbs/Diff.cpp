@@ -1,3 +1,4 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -5,8 +6,8 @@
 #include <string>
 
 #include "Console.h"
+#include "Figures.h"
 #include "Media.h"
-#include "Operations/Difference.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
 #include "Verbs/Verbs.h"
@@ -64,7 +65,7 @@ int Run(const Options& options) {
     std::optional<PictureFile> file;
     if (!options.difference.empty()) file.emplace(options.difference);
     const Stopwatch watch;
-    const cv::Mat difference = DifferenceMaker().Make(first, second);
+    const cv::Mat difference = CloneOf(ImageSubtractor()(ViewOf(first), ViewOf(second)));
     const double milliseconds = watch.Milliseconds();
     if (file) file->Write(difference);
     Write(options, difference, milliseconds);

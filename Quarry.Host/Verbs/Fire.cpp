@@ -1,9 +1,11 @@
-#include "Operations/Fire.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <memory>
+#include <opencv2/imgproc.hpp>
 #include <string>
 
 #include "Annotation.h"
+#include "Figures.h"
+#include "Timing.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverPictures.h"
 #include "Verbs/Verbs.h"
@@ -24,28 +26,36 @@ class Fire : public PictureByPicture {
 public:
     void Take(const cv::Mat& picture) override {
         last = picture;
-        view = finder.Find(picture);
+        const Stopwatch watch;
+        const FirePixels::Flames flames = find(ViewOf(picture));
+        milliseconds = watch.Milliseconds();
+        region = CloneOf(flames);
+        share = ShareOf(region);
+        bounds = cv::boundingRect(region);
     }
 
     std::string TableHead() const override { return "   flame %        ms  rectangle"; }
 
     std::string TableRow() const override {
-        const cv::Rect& rect = view.bounds;
-        const std::string row = Format("%10.3f%10.1f", view.share * 100, view.milliseconds);
-        return rect.empty() ? row : row + Format("  %d,%d,%d,%d", rect.x, rect.y, rect.width, rect.height);
+        std::string row = Format("%10.3f%10.1f", share * 100, milliseconds);
+        if (bounds.empty()) return row;
+        return row + Format("  %d,%d,%d,%d", bounds.x, bounds.y, bounds.width, bounds.height);
     }
 
     nlohmann::ordered_json Fields() const override {
-        const nlohmann::ordered_json rectangle = view.bounds.empty() ? nullptr : JsonOf(view.bounds);
-        return {{"flame", view.share}, {"rectangle", rectangle}, {"milliseconds", view.milliseconds}};
+        const nlohmann::ordered_json rectangle = bounds.empty() ? nullptr : JsonOf(bounds);
+        return {{"flame", share}, {"rectangle", rectangle}, {"milliseconds", milliseconds}};
     }
 
-    cv::Mat Annotated() const override { return OutlineRegion(last, view.mask); }
+    cv::Mat Annotated() const override { return OutlineRegion(last, region); }
 
 private:
-    FireFinder finder;
+    FirePixels find;
     cv::Mat last;
-    FireView view{};
+    cv::Mat region;
+    double share = 0;  ///< 0..1 of the picture's pixels
+    cv::Rect bounds;   ///< of the region; empty when there is none
+    double milliseconds = 0;
 };
 
 int Run(const PictureOptions& options) {

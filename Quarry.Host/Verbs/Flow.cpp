@@ -1,5 +1,4 @@
-#include "Operations/Flow.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <array>
 #include <cmath>
 #include <memory>
@@ -10,6 +9,7 @@
 #include "Annotation.h"
 #include "Demo/Plot.h"
 #include "FlowPicture.h"
+#include "Foreground.h"
 #include "Media.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
@@ -40,9 +40,9 @@ Examples:
 
 struct Options {
     VideoOptions video;
-    FlowSettings flow;
+    DenseOpticalFlow::Options flow;
     double scale = 5;  ///< pixels per frame that are shown at full brightness
-    std::optional<RelativeLine> line;
+    std::optional<RelLine> line;
     int values = 32;
     std::string plot;  ///< empty: not wanted
 };
@@ -58,11 +58,16 @@ public:
 
     void Take(const VideoFrame& frame) override {
         last = frame;
-        view = calculator.Take(frame.pixels);
-        milliseconds.push_back(view.milliseconds);
-        speed = SpeedOf(view.motion);
+        const cv::Mat redFirst = RedFirst(frame.pixels);
+        const Stopwatch watch;
+        calculator.Update(ViewOf(redFirst));
+        const FlowResult field = calculator.Result();
+        milliseconds.push_back(watch.Milliseconds());
+        motion = MatOf(field);
+        speed = SpeedOf(motion);
         if (options.line) {
-            across = meter.Measure(view.motion, *options.line, options.values);
+            const OpticalFlowLine::Values values = measure(field, *options.line, options.values);
+            across.assign(values.begin(), values.end());
             strip.x.push_back(frame.seconds);
             strip.columns.push_back(across);
         }
@@ -73,19 +78,19 @@ public:
     }
 
     std::string TableRow() const override {
-        const std::string row = Format("  %8.3f  %8.2f  %8.1f", speed.mean, speed.maximum, view.milliseconds);
+        const std::string row = Format("  %8.3f  %8.2f  %8.1f", speed.mean, speed.maximum, milliseconds.back());
         return options.line ? row + Format("  %9.3f", static_cast<double>(MeanAcross(across))) : row;
     }
 
     nlohmann::ordered_json Fields() const override {
         nlohmann::ordered_json fields = {
-            {"mean", speed.mean}, {"maximum", speed.maximum}, {"milliseconds", view.milliseconds}};
+            {"mean", speed.mean}, {"maximum", speed.maximum}, {"milliseconds", milliseconds.back()}};
         if (options.line) fields["line"] = across;
         return fields;
     }
 
     cv::Mat Annotated() const override {
-        cv::Mat picture = FlowOver(last.pixels, view.motion, options.scale);
+        cv::Mat picture = FlowOver(last.pixels, motion, options.scale);
         if (options.line) MarkLine(picture, *options.line);
         return WithCaption(picture, Format("frame %d   %.2f s   motion %.2f px/frame in the mean, %.1f at most",
                                            last.index, last.seconds, speed.mean, speed.maximum));
@@ -97,10 +102,10 @@ public:
 
 private:
     const Options& options;
-    FlowCalculator calculator;
-    FlowLineMeter meter;
+    DenseOpticalFlow calculator;
+    OpticalFlowLine measure;
     VideoFrame last{};
-    FlowView view{};
+    cv::Mat motion;  ///< the calculator's own
     Speed speed{};
     std::vector<float> across;
     HeatStrip strip;
@@ -117,7 +122,7 @@ int Run(const Options& options) {
     return exitCode;
 }
 
-RelativeLine LineOf(const std::string& text) {
+RelLine LineOf(const std::string& text) {
     const auto [x1, y1, x2, y2] = FourShares("--line", text, "X1,Y1,X2,Y2");
     return {{x1, y1}, {x2, y2}};
 }

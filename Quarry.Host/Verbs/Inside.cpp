@@ -3,7 +3,6 @@
 #include <string>
 
 #include "Console.h"
-#include "Operations/Placement.h"
 #include "Verbs/Options.h"
 #include "Verbs/PolygonFile.h"
 #include "Verbs/Verbs.h"
@@ -30,10 +29,22 @@ struct Options {
     bool json = false;
 };
 
+const char* NameOf(ContourPosition position) {
+    switch (position) {
+        case ContourPosition::Outside:
+            return "outside";
+        case ContourPosition::Crossing:
+            return "crossing";
+        case ContourPosition::Inside:
+            return "inside";
+    }
+    return "unknown";
+}
+
 int Run(const Options& options) {
     const Polygon polygon = ReadPolygon(options.polygon);
     const Polygon contour = ReadPolygon(options.contour);
-    const char* const position = NameOf(PlacementFinder().Find(polygon, contour));
+    const char* const position = NameOf(ContourIntersection()(polygon, contour));
     if (options.json) {
         std::cout << JsonLine({{"polygon", options.polygon}, {"contour", options.contour}, {"position", position}});
     } else {

@@ -1,10 +1,10 @@
-#include "Operations/Occupancy.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "Annotation.h"
+#include "Foreground.h"
 #include "OutlinePicture.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
@@ -30,7 +30,8 @@ Examples:
 
 struct Options {
     VideoOptions input;
-    OccupancySettings settings;
+    cv::Size grid{16, 12};  ///< columns and rows
+    ContourGrid::Options occupied = kUsualGrid;
 };
 
 /// @throws CLI::ValidationError  a cell would be smaller than a pixel
@@ -51,15 +52,16 @@ nlohmann::ordered_json RowsOf(const cv::Mat& cells) {
 class Occupancy : public FrameByFrame {
 public:
     explicit Occupancy(const Options& options)
-        : grid(options.settings.grid), shown(options.input.video), meter(options.settings) {}
+        : grid(options.grid), shown(options.input.video), find(options.occupied) {}
 
     void Take(const VideoFrame& frame) override {
         if (frame.index == 0) CheckFits(grid, frame.pixels.size());
         last = frame;
-        const cv::Mat onBlack = shown.Take(frame);
+        const cv::Mat redFirst = RedFirst(shown.Take(frame));
         const Stopwatch watch;
-        cells = meter.Measure(onBlack);
+        const ContourGrid::Cells found = find(ViewOf(redFirst), {grid.width, grid.height});
         milliseconds.push_back(watch.Milliseconds());
+        cells = CloneOf(found);
         occupied = cv::countNonZero(cells);
         inAll += occupied;
     }
@@ -89,7 +91,7 @@ private:
 
     cv::Size grid;
     Shown shown;
-    OccupancyMeter meter;
+    ContourGrid find;
     VideoFrame last{};
     cv::Mat cells;
     int occupied = 0;
@@ -111,20 +113,21 @@ Verb AddOccupancy(CLI::App& commandLine) {
         "Which cells of a grid are occupied by what moves in a video, or by what is not black in a picture");
     command->footer(kFooter);
     AddPictureOrVideoOptions(*command, options->input, "the grid drawn");
-    OccupancySettings& settings = options->settings;
     command
         ->add_option_function<std::string>(
             "--grid",
-            [options](const std::string& text) {
-                options->settings.grid = WidthAndHeight("--grid", text, "COLUMNSxROWS");
-            },
+            [options](const std::string& text) { options->grid = WidthAndHeight("--grid", text, "COLUMNSxROWS"); },
             "Columns and rows of the grid")
         ->type_name("COLUMNSxROWS")
-        ->default_str(Format("%dx%d", settings.grid.width, settings.grid.height));
-    command->add_option("--fill", settings.fill, "A cell is occupied when more than this share of it is covered")
+        ->default_str(Format("%dx%d", options->grid.width, options->grid.height));
+    command
+        ->add_option("--fill", options->occupied.cellFillRate,
+                     "A cell is occupied when more than this share of it is covered")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command->add_option("--min-area", settings.minArea, "Share of the frame that a thing must have to count")
+    command
+        ->add_option("--min-area", options->occupied.minContourAreaRate,
+                     "Share of the frame that a thing must have to count")
         ->check(Within(0, 1))
         ->capture_default_str();
     return {command, [options] { return Run(*options); }};

@@ -82,7 +82,7 @@ std::array<float, 4> FourShares(const std::string& option, const std::string& te
     throw CLI::ValidationError(option, "must be " + form + ", numbers from 0 to 1, not " + text);
 }
 
-cv::Rect2f AreaOf(const std::string& option, const std::string& text) {
+RelRect AreaOf(const std::string& option, const std::string& text) {
     const auto [x, y, width, height] = FourShares(option, text, "X,Y,WIDTH,HEIGHT");
     // 0.7 and 0.3 make a little more than 1; that is still within.
     constexpr float kWhole = 1 + 1e-6F;

@@ -2,6 +2,8 @@
 /// What the verbs share in reading their options and in writing their lines.
 #pragma once
 
+#include <Quarry/Quarry.h>
+
 #include <CLI/CLI.hpp>
 #include <array>
 #include <nlohmann/json.hpp>
@@ -34,7 +36,7 @@ std::array<float, 4> FourShares(const std::string& option, const std::string& te
 
 /// Part of a picture, in fractions of its width and height, from the value X,Y,WIDTH,HEIGHT.
 /// @throws CLI::ValidationError  it is not that, or it is empty or does not lie within the picture
-cv::Rect2f AreaOf(const std::string& option, const std::string& text);
+RelRect AreaOf(const std::string& option, const std::string& text);
 
 /// Refuses to write over a file that is read.
 /// @param written  empty: nothing is written

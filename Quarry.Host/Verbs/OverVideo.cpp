@@ -13,8 +13,8 @@
 #include "FrameSource.h"
 #include "Interruption.h"
 #include "Media.h"
-#include "Operations/Ticks.h"
 #include "Progress.h"
+#include "Ticks.h"
 #include "Verbs/Options.h"
 
 namespace quarry::host {

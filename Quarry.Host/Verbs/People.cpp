@@ -1,11 +1,13 @@
-#include "Operations/People.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Annotation.h"
+#include "Places.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverVideo.h"
@@ -29,37 +31,40 @@ Example:
 
 struct Options {
     VideoOptions video;
-    PeopleSettings finder;
-    std::vector<cv::Rect2f> areas;
+    PeopleDetector::Options detector{0.4F};
+    std::vector<RelRect> areas;
 };
 
 class People : public FrameByFrame {
 public:
-    explicit People(const Options& options) : areas(options.areas), finder(options.finder) {}
+    explicit People(const Options& options) : areas(options.areas), detector(options.detector) {}
 
     void Take(const VideoFrame& frame) override {
         last = frame;
-        view = finder.Find(frame.pixels, areas);
-        milliseconds.push_back(view.milliseconds);
-        counts.push_back(static_cast<double>(view.people.size()));
+        const ImageView pixels = ViewOf(frame.pixels);
+        const Stopwatch watch;
+        people = areas.empty() ? detector(pixels) : detector(pixels, areas);
+        milliseconds.push_back(watch.Milliseconds());
+        places = PlacesOf(*people, {{0, 0}, frame.pixels.size()});
+        counts.push_back(static_cast<double>(places.size()));
     }
 
     std::string TableHead() const override { return "  people        ms"; }
 
-    std::string TableRow() const override { return Format("  %6zu  %8.1f", view.people.size(), view.milliseconds); }
+    std::string TableRow() const override { return Format("  %6zu  %8.1f", places.size(), milliseconds.back()); }
 
     nlohmann::ordered_json Fields() const override {
-        nlohmann::ordered_json people = nlohmann::ordered_json::array();
-        for (const Person& person : view.people) {
-            people.push_back(JsonOf(person.place));
-            people.back()["weight"] = person.weight;
+        nlohmann::ordered_json objects = nlohmann::ordered_json::array();
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            objects.push_back(JsonOf(places[i]));
+            objects.back()["weight"] = (*people)[i].Weight;
         }
-        return {{"people", people}, {"milliseconds", view.milliseconds}};
+        return {{"people", objects}, {"milliseconds", milliseconds.back()}};
     }
 
     cv::Mat Annotated() const override {
-        return WithCaption(MarkFound(last.pixels, PlacesOf(view.people)),
-                           Format("frame %d   %.2f s   people: %zu", last.index, last.seconds, view.people.size()));
+        return WithCaption(MarkFound(last.pixels, places),
+                           Format("frame %d   %.2f s   people: %zu", last.index, last.seconds, places.size()));
     }
 
     std::string Summary() const override {
@@ -68,18 +73,19 @@ public:
     }
 
 private:
-    std::vector<cv::Rect2f> areas;
-    PeopleFinder finder;
+    std::vector<RelRect> areas;
+    PeopleDetector detector;
     VideoFrame last{};
-    PeopleView view{};
+    std::optional<Detections> people;
+    std::vector<cv::Rect> places;  ///< of the people, in pixels
     std::vector<double> milliseconds;
     std::vector<double> counts;  ///< of people, per frame
 };
 
 int Run(const Options& options) {
-    if (options.finder.maxHeight < options.finder.minHeight) {
+    if (options.detector.maxHeight < options.detector.minHeight) {
         throw CLI::ValidationError("--max-size", Format("must be at least --min-size, %g, not %g",
-                                                        options.finder.minHeight, options.finder.maxHeight));
+                                                        options.detector.minHeight, options.detector.maxHeight));
     }
     People verb(options);
     return RunOverVideo(options.video, "people", verb);
@@ -92,14 +98,14 @@ Verb AddPeople(CLI::App& commandLine) {
     CLI::App* const command = commandLine.add_subcommand("people", "Finds standing and walking people in a video");
     command->footer(kFooter);
     AddVideoOptions(*command, options->video, "rectangles around the people");
-    PeopleSettings& finder = options->finder;
-    command->add_option("--sensitivity", finder.sensitivity, "How finely, and how slowly, is searched")
+    PeopleDetector::Options& detector = options->detector;
+    command->add_option("--sensitivity", detector.sensitivity, "How finely, and how slowly, is searched")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command->add_option("--min-size", finder.minHeight, "Lowest person, as a share of the frame's height")
+    command->add_option("--min-size", detector.minHeight, "Lowest person, as a share of the frame's height")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command->add_option("--max-size", finder.maxHeight, "Highest person, as a share of the frame's height")
+    command->add_option("--max-size", detector.maxHeight, "Highest person, as a share of the frame's height")
         ->check(Within(0, 1))
         ->capture_default_str();
     command

@@ -1,9 +1,11 @@
 #include "Verbs/PictureOrVideo.h"
 
+#include <Quarry/HostOpenCV.hpp>
 #include <filesystem>
 #include <iostream>
 
 #include "Console.h"
+#include "Foreground.h"
 #include "Media.h"
 #include "Verbs/Options.h"
 
@@ -38,12 +40,13 @@ int RunOverPicture(const VideoOptions& options, FrameByFrame& verb) {
 }  // namespace
 
 Shown::Shown(const std::string& path) {
-    if (!IsPicture(path)) model.emplace(BackgroundSettings{});
+    if (!IsPicture(path)) model.emplace();
 }
 
 cv::Mat Shown::Take(const VideoFrame& frame) {
     if (!model) return frame.pixels;
-    return OnBlack(frame.pixels, model->Take(frame.pixels, frame.timestamp).foreground);
+    model->Update(ViewOf(frame.pixels, frame.timestamp));
+    return OnBlack(frame.pixels, MatOf(model->Result().foreground()));
 }
 
 std::string Shown::Place(const VideoFrame& frame) const {

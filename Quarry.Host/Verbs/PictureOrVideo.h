@@ -2,11 +2,11 @@
 /// What the verbs share that look for what is not black: in a picture as it is, and in a video at what moves.
 #pragma once
 
+#include <Quarry/Host.hpp>
 #include <opencv2/core.hpp>
 #include <optional>
 #include <string>
 
-#include "Operations/Background.h"
 #include "Verbs/OverVideo.h"
 
 namespace quarry::host {

@@ -16,15 +16,14 @@ Polygon ReadPolygon(const std::string& path) {
     for (std::size_t i = 0; i < points.size(); ++i) {
         const std::string named = path + ": point " + std::to_string(i + 1);
         if (!points[i].is_array() || points[i].size() != 2) throw Failure(named + " is not [x, y]");
-        polygon.emplace_back(SinglePrecision(points[i][0], named + ": x"),
-                             SinglePrecision(points[i][1], named + ": y"));
+        polygon.push_back({SinglePrecision(points[i][0], named + ": x"), SinglePrecision(points[i][1], named + ": y")});
     }
     return polygon;
 }
 
-nlohmann::ordered_json JsonOf(const Polygon& polygon) {
+nlohmann::ordered_json JsonOf(Span<FloatPoint> polygon) {
     nlohmann::ordered_json points = nlohmann::ordered_json::array();
-    for (const cv::Point2f& point : polygon) points.push_back({point.x, point.y});
+    for (const FloatPoint& point : polygon) points.push_back({point.X, point.Y});
     return points;
 }
 

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "Operations/Outline.h"
+#include "Places.h"
 
 namespace quarry::host {
 
@@ -13,6 +13,6 @@ namespace quarry::host {
 /// @throws Failure  there is no such file or it holds none
 Polygon ReadPolygon(const std::string& path);
 
-nlohmann::ordered_json JsonOf(const Polygon& polygon);
+nlohmann::ordered_json JsonOf(Span<FloatPoint> polygon);
 
 }  // namespace quarry::host

@@ -1,5 +1,4 @@
-#include "Operations/Rect.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <memory>
 #include <string>
 
@@ -28,14 +27,23 @@ struct Options {
     bool nearest = false;
 };
 
-cv::Point CentreOf(const std::string& text) {
+void SetCentre(TurnedRect& rect, const std::string& text) {
     const auto [x, y] = TwoWholeNumbers("--center", text, "X,Y");
-    return {x, y};
+    rect.centerX = x;
+    rect.centerY = y;
+}
+
+void SetSize(TurnedRect& rect, const std::string& text) {
+    const cv::Size size = WidthAndHeight("--size", text, "WIDTHxHEIGHT");
+    rect.width = size.width;
+    rect.height = size.height;
 }
 
 int Run(const Options& options) {
-    return RunOverPicture(
-        options.files, [&](const cv::Mat& picture) { return RectCutter(!options.nearest).Cut(picture, options.rect); });
+    const Interpolation interpolation = options.nearest ? Interpolation::Nearest : Interpolation::Bilinear;
+    return RunOverPicture(options.files, [&](const cv::Mat& picture) {
+        return CloneOf(RectExtractor({interpolation})(ViewOf(picture), options.rect));
+    });
 }
 
 }  // namespace
@@ -47,18 +55,16 @@ Verb AddRect(CLI::App& commandLine) {
     AddPictureOptions(*command, options->files, "the rectangle, upright,");
     command
         ->add_option_function<std::string>(
-            "--center", [options](const std::string& text) { options->rect.centre = CentreOf(text); },
+            "--center", [options](const std::string& text) { SetCentre(options->rect, text); },
             "The middle of the rectangle, in pixels")
         ->type_name("X,Y")
         ->required();
     command
         ->add_option_function<std::string>(
-            "--size",
-            [options](const std::string& text) { options->rect.size = WidthAndHeight("--size", text, "WIDTHxHEIGHT"); },
-            "Its size, in pixels")
+            "--size", [options](const std::string& text) { SetSize(options->rect, text); }, "Its size, in pixels")
         ->type_name("WIDTHxHEIGHT")
         ->required();
-    command->add_option("--angle", options->rect.angle, "How far it is turned clockwise, in degrees")
+    command->add_option("--angle", options->rect.degrees, "How far it is turned clockwise, in degrees")
         ->check(Within(-360, 360))
         ->capture_default_str();
     command->add_flag("--nearest", options->nearest, "Copy the nearest pixels instead of interpolating");

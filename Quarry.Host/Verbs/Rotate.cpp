@@ -1,6 +1,6 @@
+#include <Quarry/HostOpenCV.hpp>
 #include <memory>
 
-#include "Operations/Rotation.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverPicture.h"
 #include "Verbs/Verbs.h"
@@ -27,7 +27,7 @@ struct Options {
 
 int Run(const Options& options) {
     return RunOverPicture(options.files, [&](const cv::Mat& picture) {
-        return Rotator(picture.size()).Rotate(picture, options.angle, options.scale);
+        return CloneOf(RotationTransform({picture.cols, picture.rows})(ViewOf(picture), options.angle, options.scale));
     });
 }
 

@@ -1,12 +1,10 @@
-#include "Operations/ShapeRate.h"
-
-#include <cmath>
 #include <cstdint>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "Console.h"
+#include "Figures.h"
 #include "Verbs/Options.h"
 #include "Verbs/PolygonFile.h"
 #include "Verbs/Verbs.h"
@@ -39,10 +37,13 @@ struct Options {
 int Run(const Options& options) {
     const Polygon before = ReadPolygon(options.before);
     const Polygon after = ReadPolygon(options.after);
-    const double rate = ShapeRateMeter(options.method).Measure(before, after, options.size, options.interval);
+    const double rate = ContourRate({static_cast<ShapeMeasure>(options.method)})(
+        after, before, {options.size.width, options.size.height, options.interval, 0});
+    const bool comparable = IsOfComparableShapes(rate);
     if (options.json) {
-        std::cout << JsonLine({{"before", options.before}, {"after", options.after}, {"rate", rate}});
-    } else if (std::isinf(rate)) {
+        const nlohmann::ordered_json shown = comparable ? nlohmann::ordered_json(rate) : nullptr;
+        std::cout << JsonLine({{"before", options.before}, {"after", options.after}, {"rate", shown}});
+    } else if (!comparable) {
         std::cout << "rate  none: only one of the shapes has an area\n";
     } else {
         std::cout << Format("rate  %.6f per second\n", rate);

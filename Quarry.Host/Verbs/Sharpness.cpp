@@ -1,5 +1,4 @@
-#include "Operations/Sharpness.h"
-
+#include <Quarry/HostOpenCV.hpp>
 #include <array>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -38,7 +37,7 @@ public:
     explicit Sharpness(const std::optional<FaceEllipse>& face_) : face(face_) {}
 
     void Take(const cv::Mat& picture) override {
-        variance = face ? faceMeter.Measure(picture, *face) : meter.Measure(picture);
+        variance = face ? measureFace(ViewOf(picture), *face) : measure(ViewOf(picture));
     }
 
     std::string TableHead() const override { return Format("%12s", "variance"); }
@@ -46,15 +45,15 @@ public:
 
     nlohmann::ordered_json Fields() const override {
         nlohmann::ordered_json fields;
-        if (face) fields["face"] = {face->x, face->y, face->halfWidth, face->halfHeight};
+        if (face) fields["face"] = {face->centerX, face->centerY, face->halfWidth, face->halfHeight};
         fields["variance"] = variance;
         return fields;
     }
 
 private:
     std::optional<FaceEllipse> face;
-    SharpnessMeter meter;
-    FaceSharpnessMeter faceMeter;
+    VarianceOfLaplacian measure;
+    FaceVarianceOfLaplacian measureFace;
     float variance = 0;
 };
 

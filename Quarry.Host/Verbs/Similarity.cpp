@@ -1,5 +1,5 @@
-#include "Operations/Similarity.h"
-
+#include <Quarry/Host.hpp>
+#include <array>
 #include <cmath>
 #include <iostream>
 #include <memory>
@@ -24,6 +24,9 @@ not a number (null in JSON) when an embedding is all zeros.
 Example:
   quarry similarity anna-monday.json anna-friday.json)";
 
+constexpr std::size_t kLength = CosineSimilarity::kLength;
+using Embedding = std::array<float, kLength>;
+
 struct Options {
     std::string first;
     std::string second;
@@ -32,16 +35,15 @@ struct Options {
 
 Embedding ReadEmbedding(const std::string& path) {
     const nlohmann::json values = ReadJson(path);
-    if (!values.is_array())
-        throw Failure(path + ": not a JSON array of " + std::to_string(kEmbeddingLength) + " numbers");
-    if (values.size() != kEmbeddingLength) {
+    if (!values.is_array()) throw Failure(path + ": not a JSON array of " + std::to_string(kLength) + " numbers");
+    if (values.size() != kLength) {
         throw Failure(path + ": holds " + std::to_string(values.size()) + " values; an embedding has " +
-                      std::to_string(kEmbeddingLength));
+                      std::to_string(kLength));
     }
     Embedding embedding{};
     for (std::size_t i = 0; i < embedding.size(); ++i) {
-        embedding[i] = SinglePrecision(
-            values[i], path + ": value " + std::to_string(i + 1) + " of " + std::to_string(kEmbeddingLength));
+        embedding[i] =
+            SinglePrecision(values[i], path + ": value " + std::to_string(i + 1) + " of " + std::to_string(kLength));
     }
     return embedding;
 }
@@ -49,7 +51,7 @@ Embedding ReadEmbedding(const std::string& path) {
 int Run(const Options& options) {
     const Embedding first = ReadEmbedding(options.first);
     const Embedding second = ReadEmbedding(options.second);
-    const double similarity = SimilarityMeter().Measure(first, second);
+    const double similarity = CosineSimilarity()(first, second);
     if (options.json) {
         std::cout << JsonLine({{"first", options.first}, {"second", options.second}, {"similarity", similarity}});
     } else if (std::isnan(similarity)) {

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "Annotation.h"
-#include "Operations/Tracking.h"
 #include "Timing.h"
+#include "Tracking.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverVideo.h"
 #include "Verbs/Verbs.h"
@@ -44,7 +44,8 @@ void CheckLiesWithin(const cv::Rect& target, const cv::Size& frame) {
 
 class Tracking : public FrameByFrame {
 public:
-    explicit Tracking(const Options& options) : target(options.target), tracker(options.mode, options.target) {}
+    explicit Tracking(const Options& options)
+        : target(options.target), tracker(options.target, static_cast<TrackerMode>(options.mode)) {}
 
     void Take(const VideoFrame& frame) override {
         if (milliseconds.empty()) CheckLiesWithin(target, frame.pixels.size());

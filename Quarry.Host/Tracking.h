@@ -1,9 +1,8 @@
 #pragma once
 
-#include <cstdint>
+#include <Quarry/Host.hpp>
 #include <opencv2/core.hpp>
-
-#include "Operations/Handle.h"
+#include <optional>
 
 namespace quarry::host {
 
@@ -17,16 +16,15 @@ struct TrackView {
 /// Follows one rectangle through a video.
 class Tracker {
 public:
-    /// @param mode    0: careful, 1: adapts faster and is content with less
     /// @param target  in the first frame; all within 16 bits, 2 x 2 pixels or more
-    Tracker(uint32_t mode, const cv::Rect& target);
+    explicit Tracker(const cv::Rect& target, TrackerMode mode = TrackerMode::Careful);
 
     /// Takes in a packed 8-bit B, G, R frame.
     TrackView Take(const cv::Mat& frame);
 
 private:
-    Handle handle;
-    PixelRect initial;
+    MosseTracker tracker;
+    std::optional<Box> start;  ///< until there was a frame
 };
 
 }  // namespace quarry::host

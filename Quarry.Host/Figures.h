@@ -1,23 +1,13 @@
+/// @file
+/// What verbs and demo tell of results.
 #pragma once
 
 #include <opencv2/core.hpp>
 
-#include "Operations/Handle.h"
-
 namespace quarry::host {
 
-/// The absolute difference of two pictures.
-class DifferenceMaker {
-public:
-    DifferenceMaker();
-
-    /// @param first   packed 8-bit, three channels, as is the result
-    /// @param second  of the same size
-    cv::Mat Make(const cv::Mat& first, const cv::Mat& second);
-
-private:
-    Handle handle;
-};
+/// 0..1 of the mask's pixels: those that are not 0.
+double ShareOf(const cv::Mat& mask);
 
 /// How much a difference shows.
 struct DifferenceStatistics {
@@ -27,5 +17,11 @@ struct DifferenceStatistics {
 };
 
 DifferenceStatistics StatisticsOf(const cv::Mat& difference);
+
+/// Whether a rate of a ContourRate is one. Shapes of which only one has an area cannot be compared: they are as far
+/// apart as numbers go, and nothing else comes near.
+constexpr bool IsOfComparableShapes(double rate) {
+    return rate < 1e200;
+}
 
 }  // namespace quarry::host

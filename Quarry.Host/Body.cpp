@@ -1,11 +1,9 @@
-#include "Operations/Clothing.h"
+#include "Body.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <opencv2/imgproc.hpp>
-
-#include "Operations/Call.h"
 
 namespace quarry::host {
 namespace {
@@ -73,18 +71,6 @@ ClothingAreas AreasOf(const Body& body, const cv::Size& size) {
 
 bool CoverEnough(const ClothingAreas& areas, const cv::Size& size) {
     return CoversTwoPixels(std::array{areas.torso}, size) && CoversTwoPixels(areas.legs, size);
-}
-
-ClothingColourFinder::ClothingColourFinder() : handle(Create(CreateCVKMeanColorExtractor, KMeanOptions{})) {}
-
-ClothingColours ClothingColourFinder::Find(const cv::Mat& picture, const Body& body) {
-    Body points = body;
-    PointArray keypoints{};
-    keypoints.PointsCount = static_cast<int32_t>(points.size());
-    keypoints.Points = points.data();
-    const Processed<KMeanResult> result(handle, KMeanData{0, ImageOf(picture), keypoints});
-    const auto colour = [&](int place) { return Colour(result->Colors + std::ptrdiff_t{3} * place); };
-    return {{colour(0), colour(1)}, {colour(2), colour(3)}};
 }
 
 }  // namespace quarry::host

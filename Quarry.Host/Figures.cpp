@@ -1,15 +1,9 @@
-#include "Operations/Difference.h"
-
-#include "Operations/Call.h"
+#include "Figures.h"
 
 namespace quarry::host {
 
-DifferenceMaker::DifferenceMaker() : handle(Create(CreateCVImageAbsSubtractor, BinaryImageOperationOptions{})) {}
-
-cv::Mat DifferenceMaker::Make(const cv::Mat& first, const cv::Mat& second) {
-    CV_Assert(first.size() == second.size());
-    const BinaryImageOperationData input = {0, ImageOf(first), ImageOf(second)};
-    return PictureOf(*Processed<ImageOperationResult>(handle, input)->Image);
+double ShareOf(const cv::Mat& mask) {
+    return cv::countNonZero(mask) / static_cast<double>(mask.total());
 }
 
 DifferenceStatistics StatisticsOf(const cv::Mat& difference) {
