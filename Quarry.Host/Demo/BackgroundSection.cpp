@@ -137,8 +137,8 @@ Section BackgroundSection(const Footage& footage) {
     section.milliseconds = Quantile(run.milliseconds, 0.5);
     section.body = "<div class=\"facts\">\n" + Facts(run) + "</div>\n<h3>How much of the frame is foreground</h3>\n" +
                    Svg(plot) +
-                   "<p class=\"quiet\">Letters mark the instants shown below. The background follows changes with a "
-                   "time constant of 10 s, four times faster while it is being learnt.</p>\n";
+                   "<p class=\"quiet\">Letters mark the instants shown below. The background takes over most of a "
+                   "change in 10 s, four times faster while it is being learnt.</p>\n";
     for (std::size_t i = 0; i < run.instants.size(); ++i) section.body += InstantHtml(run.instants[i], Letter(i));
     return section;
 }

@@ -17,9 +17,9 @@ namespace quarry::host {
 namespace {
 
 constexpr std::size_t kPictures = 3;
-constexpr std::pair<CascadeMode, const char*> kModes[] = {{CascadeMode::Careful, "mode 0: five neighbouring hits"},
-                                                          {CascadeMode::Eager, "mode 1: one hit"},
-                                                          {CascadeMode::Biggest, "mode 2: two hits"}};
+constexpr std::pair<CascadeMode, const char*> kModes[] = {{CascadeMode::Careful, "mode 0: six neighbouring hits"},
+                                                          {CascadeMode::Eager, "mode 1: two hits"},
+                                                          {CascadeMode::Biggest, "mode 2: three hits"}};
 constexpr int kSmallestFace = 24;  // pixels
 constexpr int kShownWidth = 420;
 constexpr int kTableWidth = 480;

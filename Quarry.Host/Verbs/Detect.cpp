@@ -18,8 +18,8 @@ package opencv-data, under /usr/share/opencv4/haarcascades.
 Per picture it gives how many were found and, for each one, X,Y,WIDTH,HEIGHT in pixels of the
 picture. Only those are found that lie within --area as a whole.
 
-Mode 0 is the surest: five neighbouring hits make a detection. Mode 1 is content with one, so
-it finds the most and is often wrong. Mode 2 wants two; with a model in the format of old it
+Mode 0 is the surest: six neighbouring hits make a detection. Mode 1 is content with two, so
+it finds the most and is often wrong. Mode 2 wants three; with a model in the format of old it
 finds the largest object only.
 
 Example:
