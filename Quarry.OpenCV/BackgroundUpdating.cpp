@@ -113,17 +113,3 @@ void BackgroundUpdatingSystem::AssignResultData() {
     result->BackgroundImage->timestamp = lastTimestamp;
     result->ReservedImage->timestamp = lastTimestamp;
 }
-
-void BackgroundUpdatingSystem::DeNoise(cv::Mat& mask) {
-    constexpr int kThreeForegroundPixels = 3 * kForeground;
-    for (int row = 1; row < mask.rows - 1; ++row) {
-        const uint8_t* const above = mask.ptr(row - 1);
-        uint8_t* const here = mask.ptr(row);
-        const uint8_t* const below = mask.ptr(row + 1);
-        for (int column = 1; column < mask.cols - 1; ++column) {
-            int sum = 0;
-            for (int c = column - 1; c <= column + 1; ++c) sum += above[c] + here[c] + below[c];
-            here[column] = sum >= kThreeForegroundPixels && here[column] == kForeground ? kForeground : 0;
-        }
-    }
-}

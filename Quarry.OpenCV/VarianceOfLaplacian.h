@@ -1,13 +1,21 @@
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <opencv2/core.hpp>
 
 #include "Quarry.Frame/Processor.h"
 
 namespace quarry {
 
+/// OpenCV counts pixels in an int. Up to there the sums over a Laplacian stay below 2^53, so a double holds each of
+/// them exactly, whatever the order they are taken in. Beyond, the result is what OpenCV makes of the whole picture.
+constexpr std::size_t kCountablePixels = std::numeric_limits<int>::max();
+
 /// The variance of the Laplacian of a grey picture: the square of its deviation, narrowed before it is squared.
-float VarianceOfLaplacian(const cv::Mat& grey);
+/// @param grey    the picture, or the part of it outside of which the Laplacian is 0, and on whose outline it is 0 too
+/// @param pixels  of the picture
+float VarianceOfLaplacian(const cv::Mat& grey, std::size_t pixels);
 
 }  // namespace quarry
 

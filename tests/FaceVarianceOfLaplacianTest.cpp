@@ -131,6 +131,38 @@ TEST_F(FaceVarianceOfLaplacian, EqualsThePlainStepsOnFramesOfAnySize) {
     }
 }
 
+TEST_F(FaceVarianceOfLaplacian, EqualsThePlainStepsForEllipsesOfAnyShape) {
+    // White, so that each pixel of the outline tells.
+    const cv::Mat white(101, 113, CV_8UC3, cv::Scalar::all(255));
+    for (int halfWidth = 0; halfWidth < 60; ++halfWidth) {
+        for (int halfHeight = 0; halfHeight < 54; ++halfHeight) {
+            const Ellipse face{56, 50, halfWidth, halfHeight};
+            EXPECT_EQ(Measure(white, face), Reference(white, face)) << face;
+        }
+    }
+}
+
+TEST_F(FaceVarianceOfLaplacian, EqualsThePlainStepsForEllipsesAcrossTheEdges) {
+    const cv::Mat frame = RandomFrame(23, 19, 6);
+    for (int x = -12; x < 36; ++x) {
+        for (int y = -12; y < 32; ++y) {
+            const Ellipse face{x, y, 7 + x % 3, 9 + y % 4};
+            EXPECT_EQ(Measure(frame, face), Reference(frame, face)) << face;
+        }
+    }
+}
+
+TEST_F(FaceVarianceOfLaplacian, EqualsThePlainStepsForLargeEllipses) {
+    const cv::Mat frame = RandomFrame(700, 500, 8);
+    cv::RNG random(9);
+    for (int i = 0; i < 60; ++i) {
+        const int reach = 1 << random.uniform(6, 15);
+        const Ellipse face{random.uniform(-reach, reach), random.uniform(-reach, reach), random.uniform(0, reach),
+                           random.uniform(0, reach)};
+        EXPECT_EQ(Measure(frame, face), Reference(frame, face)) << face;
+    }
+}
+
 TEST_F(FaceVarianceOfLaplacian, EqualsThePlainStepsOnRealFrames) {
     const std::vector<cv::Mat> frames = PedestrianFrames(40);
     if (frames.empty()) GTEST_SKIP() << "no footage in " << MediaDirectory();

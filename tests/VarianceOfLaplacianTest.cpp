@@ -71,6 +71,50 @@ TEST_F(VarianceOfLaplacian, EqualsThePlainStepsOnFramesOfAnySize) {
     }
 }
 
+TEST_F(VarianceOfLaplacian, EqualsThePlainStepsForAnyNumberOfPixels) {
+    cv::RNG random(5);
+    for (int height = 1; height <= 40; ++height) {
+        for (int width = 1; width <= 40; ++width) {
+            const cv::Mat noise = RandomFrame(width, height, 3);
+            const cv::Mat faint = noise / random.uniform(2, 60);
+            EXPECT_EQ(Measure(ImageOf(noise)), Reference(noise)) << noise.size();
+            EXPECT_EQ(Measure(ImageOf(faint)), Reference(faint)) << faint.size();
+        }
+    }
+}
+
+TEST_F(VarianceOfLaplacian, EqualsThePlainStepsOnTheStrongestContrast) {
+    // Rows of more than 2064 pixels have squares whose sum does not fit 32 bits.
+    const cv::Size sizes[] = {{1, 1}, {2, 2}, {5, 4}, {2065, 3}, {2066, 3}, {2067, 3}, {4131, 5}, {9001, 4}, {3, 5000}};
+    for (const cv::Size& size : sizes) {
+        for (const int period : {1, 2, 3}) {
+            cv::Mat chequered(size, CV_8UC3);
+            for (int y = 0; y < size.height; ++y) {
+                for (int x = 0; x < size.width; ++x) {
+                    chequered.at<cv::Vec3b>(y, x) = cv::Vec3b::all((x / period + y / period) % 2 == 0 ? 255 : 0);
+                }
+            }
+            EXPECT_EQ(Measure(ImageOf(chequered)), Reference(chequered)) << size << ", period " << period;
+        }
+    }
+}
+
+TEST_F(VarianceOfLaplacian, EqualsThePlainStepsOnALargeFrame) {
+    for (uint64_t seed = 0; seed < 3; ++seed) {
+        const cv::Mat frame = RandomFrame(3001, 2003, seed);
+        EXPECT_EQ(Measure(ImageOf(frame)), Reference(frame)) << "seed " << seed;
+    }
+}
+
+TEST_F(VarianceOfLaplacian, EqualsThePlainStepsOnGradients) {
+    // Here the border alone gives the mean.
+    cv::Mat frame(60, 80, CV_8UC3);
+    for (int y = 0; y < 60; ++y) {
+        for (int x = 0; x < 80; ++x) frame.at<cv::Vec3b>(y, x) = cv::Vec3b::all(static_cast<uint8_t>(2 * x + y));
+    }
+    EXPECT_EQ(Measure(ImageOf(frame)), Reference(frame));
+}
+
 TEST_F(VarianceOfLaplacian, EqualsThePlainStepsOnRealFrames) {
     const std::vector<cv::Mat> frames = PedestrianFrames(20);
     if (frames.empty()) GTEST_SKIP() << "no footage in " << MediaDirectory();
