@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "Quarry.OpenCV/LineDistance.h"
 #include "Quarry.OpenCV/Truncate.h"
 
 namespace {
@@ -18,21 +19,6 @@ constexpr RatePoint kRateTable[] = {
     {135.0F, 0.017F},   {255.0F, 0.009F},   {460.0F, 0.005F},    {2302.0F, 0.001F},
     {4605.0F, 0.0005F}, {7675.0F, 0.0003F}, {11512.0F, 0.0002F}, {23025.0F, 0.0001F},
 };
-
-float Length(const cv::Point2f& vector) {
-    return std::sqrt(vector.x * vector.x + vector.y * vector.y);
-}
-
-/// Height of the triangle (p1, p2, q) over the side p1 p2, by Heron's formula.
-float DistanceFromLine(const cv::Point2f& q, const cv::Point2f& p1, const cv::Point2f& p2) {
-    const float a = Length(q - p1);
-    const float b = Length(q - p2);
-    const float c = Length(p2 - p1);
-    const float halfPerimeter = (a + b + c) / 2.0F;
-    const float squaredArea = (halfPerimeter - a) * halfPerimeter * (halfPerimeter - b) * (halfPerimeter - c);
-    const double area = std::sqrt(static_cast<double>(squaredArea));
-    return static_cast<float>(2.0 * area / static_cast<double>(c));
-}
 
 }  // namespace
 
@@ -97,13 +83,7 @@ std::vector<float> CVHelper::GetVectorProjectionOntoNormal(const cv::Mat& flow, 
     std::vector<float> distances;
     if (line.count < 1) return distances;
     distances.reserve(static_cast<std::size_t>(line.count));
-    for (int i = 0; i < line.count; ++i, ++line) {
-        const cv::Point pixel = line.pos();
-        const auto& motion = flow.at<cv::Point2f>(pixel);
-        const cv::Point2f displaced(static_cast<float>(pixel.x) + motion.x, static_cast<float>(pixel.y) + motion.y);
-        const float distance = DistanceFromLine(displaced, p1, p2);
-        const float cross = (p2.x - p1.x) * (displaced.y - p1.y) - (p2.y - p1.y) * (displaced.x - p1.x);
-        distances.push_back(cross < 0.0F ? -distance : distance);
-    }
+    const quarry::LineDistance distance(p1, p2);
+    for (int i = 0; i < line.count; ++i, ++line) distances.push_back(distance(quarry::MovedPixel(flow, line)));
     return distances;
 }

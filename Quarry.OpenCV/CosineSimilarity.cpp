@@ -8,22 +8,31 @@ namespace {
 
 constexpr int kLength = 512;
 
-float Dot(const float* a, const float* b) {
-    float sum = 0;
-    for (int i = 0; i < kLength; ++i) sum += a[i] * b[i];
-    return sum;
-}
+constexpr int kGroup = 4;
 
 double Square(float value) {
     return static_cast<double>(value) * static_cast<double>(value);
 }
 
-double Norm(const float* v) {
-    double sum = 0;
-    for (int k = 0; k < kLength; k += 4) {
-        sum += Square(v[k]) + Square(v[k + 1]) + Square(v[k + 2]) + Square(v[k + 3]);
+double GroupOfSquares(const float* v) {
+    return Square(v[0]) + Square(v[1]) + Square(v[2]) + Square(v[3]);
+}
+
+struct Sums {
+    float dot = 0;
+    double squaresOfA = 0;
+    double squaresOfB = 0;
+};
+
+/// Every sum has its order, so each addition waits for the one before; in one loop the three sums wait together.
+Sums SumsOf(const float* a, const float* b) {
+    Sums sums;
+    for (int k = 0; k < kLength; k += kGroup) {
+        for (int i = k; i < k + kGroup; ++i) sums.dot += a[i] * b[i];
+        sums.squaresOfA += GroupOfSquares(a + k);
+        sums.squaresOfB += GroupOfSquares(b + k);
     }
-    return std::sqrt(sum);
+    return sums;
 }
 
 }  // namespace
@@ -31,6 +40,6 @@ double Norm(const float* v) {
 CosineOutputData CosineSimilarity::DoProcess(EmbeddingData data) {
     quarry::CheckArray("EmbeddingData.FirstEmbedding", data.FirstEmbedding, kLength, "values");
     quarry::CheckArray("EmbeddingData.SecondEmbedding", data.SecondEmbedding, kLength, "values");
-    const double dot = Dot(data.FirstEmbedding, data.SecondEmbedding);
-    return {0, dot / (Norm(data.FirstEmbedding) * Norm(data.SecondEmbedding))};
+    const Sums sums = SumsOf(data.FirstEmbedding, data.SecondEmbedding);
+    return {0, static_cast<double>(sums.dot) / (std::sqrt(sums.squaresOfA) * std::sqrt(sums.squaresOfB))};
 }

@@ -90,6 +90,6 @@ void DenseOpticalFlowCalculator::DoUpdate(OFCData data) {
                                      iterations, polynomialNeighbourhood, polynomialSigma, flags);
         state = Ready;
     }
-    grey.copyTo(previousGrey);
+    previousGrey = grey;
     firstFrame = false;
 }

@@ -109,19 +109,12 @@ bool MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect)
     cv::createHanningWindow(hanningWindow, size, CV_32F);
     G = WantedResponse(size);
 
-    // All samples are alike, so one is warped and transformed; it is added as often as there are samples, since every
-    // addition rounds.
+    // All samples are alike, so one is warped and transformed.
     cv::Mat sample = randWarp(window);
     preProcess(sample);
     const cv::Mat spectrum = Spectrum(sample);
-    const cv::Mat numerator = Correlation(G, spectrum);
-    const cv::Mat denominator = Correlation(spectrum, spectrum);
-    A = cv::Mat::zeros(G.size(), G.type());
-    B = cv::Mat::zeros(G.size(), G.type());
-    for (int i = 0; i < kTrainingSamples; ++i) {
-        cv::add(A, numerator, A);
-        cv::add(B, denominator, B);
-    }
+    A = SumOfSamples(Correlation(G, spectrum));
+    B = SumOfSamples(Correlation(spectrum, spectrum));
     H = divDFTs(A, B);
     return true;
 }
@@ -141,8 +134,8 @@ cv::Mat MosseTracker::randWarp(const cv::Mat& window) {
 }
 
 void MosseTracker::preProcess(cv::Mat& window) const {
-    window.convertTo(window, CV_32F);
-    cv::log(window + 1.0, window);
+    window.convertTo(window, CV_32F, 1.0, 1.0);
+    cv::log(window, window);
     cv::Scalar mean;
     cv::Scalar deviation;
     cv::meanStdDev(window, mean, deviation);
@@ -153,9 +146,9 @@ void MosseTracker::preProcess(cv::Mat& window) const {
     cv::multiply(window, hanningWindow, window);
 }
 
-double MosseTracker::correlate(const cv::Mat& patch, cv::Point_<int>& delta) const {
+double MosseTracker::correlate(const cv::Mat& spectrum, cv::Point_<int>& delta) const {
     cv::Mat response;
-    cv::idft(Correlation(Spectrum(patch), H), response, cv::DFT_SCALE | cv::DFT_REAL_OUTPUT);
+    cv::idft(Correlation(spectrum, H), response, cv::DFT_SCALE | cv::DFT_REAL_OUTPUT);
     double maximum = 0;
     cv::Point peak;
     cv::minMaxLoc(response, nullptr, &maximum, nullptr, &peak);
@@ -168,38 +161,57 @@ double MosseTracker::correlate(const cv::Mat& patch, cv::Point_<int>& delta) con
     return (maximum - mean[0]) / (deviation[0] + kEps);
 }
 
-cv::Mat MosseTracker::divDFTs(const cv::Mat& numerator, const cv::Mat& denominator) {
-    std::array<cv::Mat, 2> a;
-    std::array<cv::Mat, 2> b;
-    cv::split(numerator, a.data());
-    cv::split(denominator, b.data());
-    const cv::Mat squared = b[0].mul(b[0]) + b[1].mul(b[1]);
-    std::array<cv::Mat, 2> quotient;
-    cv::divide(a[0].mul(b[0]) + a[1].mul(b[1]), squared, quotient[0], 1.0);
-    // A sum on purpose, no difference: the filter is defined with it.
-    cv::divide(a[1].mul(b[0]) + a[0].mul(b[1]), squared, quotient[1], -1.0);
-    // OpenCV 3.4 divides by zero to 0, 4.x to what is not a number.
-    for (cv::Mat& part : quotient) part.setTo(0.0, squared == 0.0);
-    cv::Mat merged;
-    cv::merge(quotient.data(), quotient.size(), merged);
-    return merged;
+cv::Mat MosseTracker::SumOfSamples(const cv::Mat& sample) {
+    cv::Mat sums(sample.size(), CV_32FC2);
+    for (int y = 0; y < sums.rows; ++y) {
+        const auto* const terms = sample.ptr<float>(y);
+        auto* const out = sums.ptr<float>(y);
+        for (int i = 0; i < 2 * sums.cols; ++i) {
+            float sum = 0.0F;
+            for (int k = 0; k < kTrainingSamples; ++k) sum += terms[i];
+            out[i] = sum;
+        }
+    }
+    return sums;
 }
 
-cv::Mat MosseTracker::Patch(const cv::Mat& frame) const {
-    cv::Mat patch = GreyWindow(frame, size, center);
+cv::Mat MosseTracker::divDFTs(const cv::Mat& numerator, const cv::Mat& denominator) {
+    cv::Mat quotient(numerator.size(), CV_32FC2);
+    for (int y = 0; y < quotient.rows; ++y) {
+        const auto* const a = numerator.ptr<cv::Vec2f>(y);
+        const auto* const b = denominator.ptr<cv::Vec2f>(y);
+        auto* const out = quotient.ptr<cv::Vec2f>(y);
+        for (int x = 0; x < quotient.cols; ++x) {
+            const float squared = b[x][0] * b[x][0] + b[x][1] * b[x][1];
+            const float real = (a[x][0] * b[x][0] + a[x][1] * b[x][1]) / squared;
+            // A sum on purpose, no difference: the filter is defined with it.
+            const float imaginary = -(a[x][1] * b[x][0] + a[x][0] * b[x][1]) / squared;
+            out[x] = squared == 0.0F ? cv::Vec2f() : cv::Vec2f(real, imaginary);
+        }
+    }
+    return quotient;
+}
+
+cv::Mat MosseTracker::PatchSpectrum(const cv::Mat& frame, const cv::Point2d& middle) const {
+    cv::Mat patch = GreyWindow(frame, size, middle);
     preProcess(patch);
-    return patch;
+    return Spectrum(patch);
 }
 
 bool MosseTracker::updateImpl(const cv::Mat& frame) {
     if (H.empty()) return false;
+    cv::Mat spectrum = PatchSpectrum(frame, center);
     cv::Point_<int> delta;
-    const double psr = correlate(Patch(frame), delta);
+    const double psr = correlate(spectrum, delta);
     if (psr < psrThreshold) return false;
-    center += cv::Point2d(delta);
-    const cv::Mat spectrum = Spectrum(Patch(frame));
-    A = Correlation(G, spectrum) * learningRate + A * (1 - learningRate);
-    B = Correlation(spectrum, spectrum) * learningRate + B * (1 - learningRate);
-    H = divDFTs(A, B);
+    const cv::Point2d place = center + cv::Point2d(delta);
+    // Where the target stands still, the patch around it is the one that was searched.
+    if (delta != cv::Point()) spectrum = PatchSpectrum(frame, place);
+    const cv::Mat numerator = Correlation(G, spectrum) * learningRate + A * (1 - learningRate);
+    const cv::Mat denominator = Correlation(spectrum, spectrum) * learningRate + B * (1 - learningRate);
+    H = divDFTs(numerator, denominator);
+    A = numerator;
+    B = denominator;
+    center = place;
     return true;
 }

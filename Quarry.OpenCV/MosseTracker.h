@@ -30,6 +30,10 @@ public:
     /// A slightly turned and sheared copy of the window. The warp is the same at every call: all samples are alike.
     static cv::Mat randWarp(const cv::Mat& window);
 
+    /// Spectra of the training samples, which are all alike, added one by one: not multiplied, since every addition
+    /// rounds.
+    static cv::Mat SumOfSamples(const cv::Mat& sample);
+
     /// The conjugate of a quotient of spectra; 0 where the denominator is 0. It is meant for real denominators, such as
     /// the filter's: its imaginary part is made with a sum where a complex one would want a difference.
     static cv::Mat divDFTs(const cv::Mat& numerator, const cv::Mat& denominator);
@@ -42,16 +46,17 @@ private:
     void preProcess(cv::Mat& window) const;
 
     /// Correlates a patch with the filter.
+    /// @param spectrum  the patch's
     /// @param delta  the peak's place relative to the patch's centre, pixels
     /// @return peak-to-sidelobe ratio
-    double correlate(const cv::Mat& patch, cv::Point_<int>& delta) const;
+    double correlate(const cv::Mat& spectrum, cv::Point_<int>& delta) const;
 
     /// Searches a frame and, when the target is found, follows it and learns.
     /// @return whether the target was found
     bool updateImpl(const cv::Mat& frame);
 
-    /// The grey window around the centre, preprocessed.
-    cv::Mat Patch(const cv::Mat& frame) const;
+    /// Spectrum of the grey window around a point, preprocessed.
+    cv::Mat PatchSpectrum(const cv::Mat& frame, const cv::Point2d& middle) const;
 
     double learningRate = 0;
     double psrThreshold = 0;  ///< least peak-to-sidelobe ratio of a target that is found

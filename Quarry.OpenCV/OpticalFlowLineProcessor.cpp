@@ -1,13 +1,13 @@
 #include "Quarry.OpenCV/OpticalFlowLineProcessor.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <opencv2/imgproc.hpp>
 #include <stdexcept>
 #include <string>
 
 #include "Quarry.OpenCV/CVHelper.h"
+#include "Quarry.OpenCV/LineDistance.h"
 #include "Quarry.OpenCV/PendingResult.h"
 #include "Quarry.OpenCV/PixelOf.h"
 #include "Quarry.OpenCV/Truncate.h"
@@ -15,8 +15,29 @@
 
 namespace {
 
+/// @param value  not negative
 int RoundHalfUp(float value) {
-    return quarry::Truncate(std::floor(static_cast<double>(value) + 0.5));
+    return quarry::Truncate(static_cast<double>(value) + 0.5);
+}
+
+/// Which of `length` values is the i-th of fewer that are picked.
+int PickedIndex(int i, int length, int count) {
+    const int index = RoundHalfUp(static_cast<float>(i) * static_cast<float>(length) / static_cast<float>(count));
+    return std::min(index, length - 1);
+}
+
+/// Picks from the profile of a line that has more than `count` pixels; only what is picked is computed. The pixels are
+/// gathered first, so that several distances are computed at a time.
+void PickProjections(const cv::Mat& flow, const cv::Point2f& p1, const cv::Point2f& p2, cv::LineIterator line,
+                     float* out, int count) {
+    std::vector<cv::Point2f> moved(static_cast<std::size_t>(count));
+    int at = 0;
+    for (int i = 0; i < count; ++i) {
+        for (const int index = PickedIndex(i, line.count, count); at < index; ++at) ++line;
+        moved[static_cast<std::size_t>(i)] = quarry::MovedPixel(flow, line);
+    }
+    const quarry::LineDistance distance(p1, p2);
+    std::transform(moved.begin(), moved.end(), out, distance);
 }
 
 }  // namespace
@@ -35,7 +56,9 @@ OFLineResult OpticalFlowLineProcessor::DoProcess(OFLineData data) {
     const cv::Point start = quarry::PixelOf({data.LineStartX, data.LineStartY}, field->width, field->height);
     const cv::Point end = quarry::PixelOf({data.LineEndX, data.LineEndY}, field->width, field->height);
     const cv::LineIterator line(flow, start, end, 8, false);
-    if (line.count > 0) {
+    if (line.count > data.ValuesCount) {
+        PickProjections(flow, start, end, line, result->Values, data.ValuesCount);
+    } else if (line.count > 0) {
         CopyBufferToResult(CVHelper::GetVectorProjectionOntoNormal(flow, start, end, line), result->Values,
                            data.ValuesCount);
     }
@@ -48,14 +71,10 @@ void OpticalFlowLineProcessor::DoDisposeData(OFLineResult* result) {
 
 void OpticalFlowLineProcessor::CopyBufferToResult(const std::vector<float>& buffer, float* out, int count) {
     const int length = static_cast<int>(buffer.size());
-    const int last = length - 1;
-    const auto at = [&](int index) { return buffer[static_cast<std::size_t>(std::min(index, last))]; };
     if (count > length) {
         const int repeats = RoundHalfUp(static_cast<float>(count) / static_cast<float>(length));
-        for (int i = 0; i < count; ++i) out[i] = at(i / repeats);
+        for (int i = 0; i < count; ++i) out[i] = buffer[static_cast<std::size_t>(std::min(i / repeats, length - 1))];
     } else {
-        for (int i = 0; i < count; ++i) {
-            out[i] = at(RoundHalfUp(static_cast<float>(i) * static_cast<float>(length) / static_cast<float>(count)));
-        }
+        for (int i = 0; i < count; ++i) out[i] = buffer[static_cast<std::size_t>(PickedIndex(i, length, count))];
     }
 }

@@ -52,10 +52,12 @@ void RunInTurns(benchmark::State& state, const Case& row, const Way& plain, cons
     std::vector<double> librarySeconds;
     std::vector<double> ratios;
     for ([[maybe_unused]] auto _ : state) {
-        plainSeconds.push_back(SecondsOf(plain.run, plainBatch) / plainBatch);
-        librarySeconds.push_back(SecondsOf(library.run, libraryBatch) / libraryBatch);
+        const double plainTurn = SecondsOf(plain.run, plainBatch);
+        const double libraryTurn = SecondsOf(library.run, libraryBatch);
+        plainSeconds.push_back(plainTurn / (plainBatch * plain.results));
+        librarySeconds.push_back(libraryTurn / (libraryBatch * library.results));
         ratios.push_back(plainSeconds.back() / librarySeconds.back());
-        state.SetIterationTime(plainSeconds.back() * plainBatch + librarySeconds.back() * libraryBatch);
+        state.SetIterationTime(plainTurn + libraryTurn);
     }
     const double ratio = Quantile(ratios, 0.5);
     state.counters["plain_ns"] = 1e9 * Quantile(plainSeconds, 0.5);

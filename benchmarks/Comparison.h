@@ -22,6 +22,8 @@ struct Way {
     std::function<void()> run;
     /// The bytes of the result, to see that both ways give the same.
     std::function<std::string()> result;
+    /// How many results one run gives; times are those of one.
+    int results = 1;
 };
 
 /// What one row of the table compares.
@@ -78,6 +80,44 @@ private:
     test::Framed<Result> result = test::FramedResult<Result>();
 };
 
+/// An updater as a host drives it: one handle, its records framed once.
+template <class Options, class Data, class Result>
+class UpdaterCall {
+public:
+    UpdaterCall(void (*factory)(void**, Options*), const Options& options)
+        : handle(test::RawCreate(factory, options)) {}
+
+    /// Takes a frame in and the result out, which stays the updater's.
+    const Result& Update(const Data& given) {
+        *data = given;
+        ::Update(handle.get(), data.template as<UpdateData>());
+        GetUpdateResult(handle.get(), result.template as<UpdateResult>());
+        return *result;
+    }
+
+private:
+    test::RawHandle handle;
+    test::Framed<Data> data = test::FramedInput<Data>();
+    test::Framed<Result> result = test::FramedResult<Result>();
+};
+
+/// An updater that is fed the same frames over and over; its result is what a new one makes of every frame.
+/// @param begin  makes a new updater: a function that takes a frame, an element of `frames`, and returns its result
+/// @param read   turns that result into bytes
+template <class Frames, class Begin, class Read>
+Way Fed(const Frames& frames, Begin begin, Read read) {
+    return {[frames, update = begin()] {
+                for (const auto& frame : frames) benchmark::DoNotOptimize(update(frame));
+            },
+            [frames, begin, read] {
+                const auto update = begin();
+                std::string bytes;
+                for (const auto& frame : frames) bytes += read(update(frame));
+                return bytes;
+            },
+            static_cast<int>(frames.size())};
+}
+
 /// A processor's result, given back each time.
 /// @param read  turns the result record into bytes
 template <class Options, class Input, class Result>
@@ -89,7 +129,7 @@ Way Called(void (*factory)(void**, Options*), const Options& options, const Inpu
                 call->DisposeResult();
             },
             [call, read = std::move(read)] {
-                const std::string bytes = read(call->Process());
+                std::string bytes = read(call->Process());
                 call->DisposeResult();
                 return bytes;
             }};

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/video/tracking.hpp>
 #include <stdexcept>
@@ -189,6 +190,36 @@ TEST_F(OpticalFlowLine, EqualsThePlainStepsOnFieldsOfAnySize) {
             nonZero += static_cast<int>(std::count_if(values.begin(), values.end(), [](float v) { return v != 0.0F; }));
         }
         EXPECT_GT(nonZero, 0) << "no line of " << size << " says anything";
+    }
+}
+
+TEST_F(OpticalFlowLine, EqualsThePlainStepsForAnyNumberOfValues) {
+    Field field = RandomField(90, 70, 11);
+    field.At(45, 35) = {kNan, kInfinity};
+    const Line lines[] = {{0.0F, 0.5F, 1.0F, 0.5F}, {0.5F, 1.0F, 0.5F, 0.0F},   {1.0F, 1.0F, 0.0F, 0.0F},
+                          {0.1F, 0.9F, 0.8F, 0.2F}, {-0.5F, -0.2F, 1.5F, 1.3F}, {0.5F, 0.5F, 0.5F, 0.5F}};
+    for (const Line& line : lines) {
+        for (int count = 0; count <= 130; ++count) {
+            ASSERT_TRUE(SameBits(Measure(field, line, count), Reference(field, line, count)))
+                << line << ", " << count << " values";
+        }
+    }
+}
+
+TEST_F(OpticalFlowLine, LeavesNothingBehindWhenMemoryEnds) {
+    Field field = RandomField(20, 20, 6);
+    for (const int count : {5, 20, 40}) {  // fewer values than pixels, as many, more
+        auto input = Input(&field.matrix, {0.0F, 0.0F, 1.0F, 1.0F}, count);
+        for (std::size_t served = 0; served < 2; ++served) {
+            auto result = FramedResult<OFLineResult>(0xA5);
+            const std::size_t before = LiveBlocks();
+            {
+                const FailingAllocation failure(served);
+                EXPECT_THROW(Process(handle, input.as<ProcessData>(), result.as<ProcessResult>()), std::bad_alloc);
+            }
+            EXPECT_EQ(LiveBlocks(), before) << count << " values, " << served << " served";
+            for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
+        }
     }
 }
 

@@ -21,6 +21,24 @@ cv::Mat MovingSquare(int width, int height, int step) {
     return frame;
 }
 
+cv::Mat Ground(int width, int height) {
+    cv::Mat ground = RandomFrame(width, height, 7);
+    cv::blur(ground, ground, {9, 9});
+    return ground;
+}
+
+cv::Mat Pattern(int width, int height, uint64_t seed) {
+    cv::Mat pattern = RandomFrame(width, height, seed);
+    cv::blur(pattern, pattern, {5, 5});
+    cv::normalize(pattern, pattern, 0, 255, cv::NORM_MINMAX);
+    return pattern;
+}
+
+void Draw(cv::Mat& frame, const cv::Mat& picture, const cv::Point& place) {
+    const cv::Rect visible = cv::Rect(place, picture.size()) & cv::Rect({}, frame.size());
+    if (!visible.empty()) picture(visible - place).copyTo(frame(visible));
+}
+
 Image ImageOf(const cv::Mat& frame, uint64_t timestamp) {
     CV_Assert(frame.isContinuous());
     return {frame.data, frame.cols, frame.rows, static_cast<int32_t>(frame.step[0]), timestamp};

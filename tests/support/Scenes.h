@@ -13,6 +13,15 @@ cv::Mat RandomFrame(int width, int height, uint64_t seed);
 /// A textured still background with a bright square that moves a few pixels per step.
 cv::Mat MovingSquare(int width, int height, int step);
 
+/// A soft ground with little contrast.
+cv::Mat Ground(int width, int height);
+
+/// Something to follow: soft blots of full contrast.
+cv::Mat Pattern(int width, int height, uint64_t seed);
+
+/// The part of a picture that lies on the frame, drawn with its left top pixel at a place.
+void Draw(cv::Mat& frame, const cv::Mat& picture, const cv::Point& place);
+
 /// The pixels of a packed frame as the host's Image; the frame keeps them.
 Image ImageOf(const cv::Mat& frame, uint64_t timestamp = 0);
 
