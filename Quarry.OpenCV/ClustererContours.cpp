@@ -18,27 +18,26 @@ cv::Point CenterOf(const std::vector<cv::Point>& contour) {
     return {quarry::Truncate(moments.m10 / moments.m00), quarry::Truncate(moments.m01 / moments.m00)};
 }
 
-void Fill(Cluster& cluster, const std::vector<cv::Point>& contour, const cv::Size& frame) {
-    const cv::Point2f center = CVHelper::AbsoluteToRelative(CenterOf(contour), frame.width, frame.height);
+void Fill(Cluster& cluster, const quarry::OuterContour& contour, const cv::Size& frame) {
+    const std::vector<cv::Point>& points = contour.points;
+    const cv::Point2f center = CVHelper::AbsoluteToRelative(CenterOf(points), frame.width, frame.height);
     cluster.CenterX = center.x;
     cluster.CenterY = center.y;
-    cluster.Contour = CreateContour(static_cast<int>(contour.size()));
-    cluster.Contour->Area =
-        static_cast<float>(cv::contourArea(contour, false) / static_cast<double>(frame.height * frame.width));
-    cluster.Contour->Perimeter = static_cast<float>(cv::arcLength(contour, true) / static_cast<double>(frame.width));
-    quarry::WriteRelativePoints(contour, {}, frame, cluster.Contour->Points);
+    cluster.Contour = CreateContour(static_cast<int>(points.size()));
+    cluster.Contour->Area = static_cast<float>(contour.area / static_cast<double>(frame.height * frame.width));
+    cluster.Contour->Perimeter = static_cast<float>(cv::arcLength(points, true) / static_cast<double>(frame.width));
+    quarry::WriteRelativePoints(points, {}, frame, cluster.Contour->Points);
 }
 
 }  // namespace
 
 ClustererResult ClustererContours::DoProcess(ClustererData data) {
-    const cv::Mat grey = quarry::GreyOfRgb(data.Image);
-    const std::vector<std::vector<cv::Point>> contours =
-        quarry::GetValidContours(quarry::FindOuterContours(grey, options.OutlinePrecision), options.MinContourAreaRate,
-                                 static_cast<float>(grey.rows * grey.cols));
+    const std::vector<quarry::OuterContour> contours =
+        quarry::FindOuterContours(data.Image, options.OutlinePrecision, options.MinContourAreaRate);
     quarry::PendingResult result(CreateClustererResult(static_cast<int>(contours.size())), DestroyClustererResult);
     Cluster* out = result->Clusters;
     std::fill_n(out, contours.size(), Cluster{});  // so that a half-built result can be released
-    for (const std::vector<cv::Point>& contour : contours) Fill(*out++, contour, grey.size());
+    const cv::Size frame(data.Image.width, data.Image.height);
+    for (const quarry::OuterContour& contour : contours) Fill(*out++, contour, frame);
     return result.HandOver();
 }

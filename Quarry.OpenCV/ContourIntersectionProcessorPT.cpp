@@ -1,12 +1,13 @@
 #include "Quarry.OpenCV/ContourIntersectionProcessorPT.h"
 
 #include <algorithm>
-#include <opencv2/imgproc.hpp>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "Quarry.OpenCV/CheckArray.h"
+#include "Quarry.OpenCV/PolygonRows.h"
 
 namespace {
 
@@ -29,17 +30,22 @@ void CheckContours(const Contour& polygon, const Contour& test) {
     quarry::CheckArray("ContourIntersectionProcessorData.TestContour.Points", test.Points, test.Count, "points");
 }
 
-/// +1 inside the polygon, -1 outside, 0 on its border.
-int SideOf(const std::vector<cv::Point2f>& polygon, const cv::Point2f& point) {
-    return static_cast<int>(cv::pointPolygonTest(polygon, point, false));
+/// Whether a point lies on the other side than the first. Few points are asked about plainly: to sort the polygon's
+/// sides would take longer, also where one of the first of many settles it.
+bool Crosses(const std::vector<cv::Point2f>& test, const std::vector<cv::Point2f>& polygon, int side) {
+    constexpr std::ptrdiff_t kFew = 4;
+    const auto rest = test.begin() + std::min(kFew, static_cast<std::ptrdiff_t>(test.size()));
+    const auto isOpposite = [&](const cv::Point2f& point) { return quarry::SideOf(polygon, point) == -side; };
+    if (std::any_of(test.begin() + 1, rest, isOpposite)) return true;
+    if (rest == test.end()) return false;
+    const quarry::PolygonRows rows(polygon);
+    return std::any_of(rest, test.end(), [&](const cv::Point2f& point) { return rows.SideOf(point) == -side; });
 }
 
 int PositionOf(const std::vector<cv::Point2f>& test, const std::vector<cv::Point2f>& polygon) {
-    const int side = SideOf(polygon, test.front());
+    const int side = quarry::SideOf(polygon, test.front());
     if (side == 0) return kInside;
-    const bool crosses = std::any_of(test.begin() + 1, test.end(),
-                                     [&](const cv::Point2f& point) { return SideOf(polygon, point) == -side; });
-    return crosses ? kCrossing : side;
+    return Crosses(test, polygon, side) ? kCrossing : side;
 }
 
 }  // namespace

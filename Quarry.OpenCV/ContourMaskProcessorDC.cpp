@@ -1,10 +1,14 @@
 #include "Quarry.OpenCV/ContourMaskProcessorDC.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <opencv2/imgproc.hpp>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "Quarry.OpenCV/OuterContours.h"
 #include "Quarry.OpenCV/PendingResult.h"
@@ -13,6 +17,8 @@
 
 namespace {
 
+constexpr uint8_t kDrawn = 255;
+
 void CheckGrid(int width, int height) {
     if (width >= 1 && height >= 1 && int64_t{width} * height <= std::numeric_limits<int32_t>::max()) return;
     throw std::invalid_argument("ContourMaskProcessorData.GridWidth x GridHeight is " + std::to_string(width) + " x " +
@@ -20,13 +26,58 @@ void CheckGrid(int width, int height) {
                                 "; each must be 1 or more, and their product at most 2147483647");
 }
 
-cv::Mat Drawing(const cv::Size& size, const std::vector<std::vector<cv::Point>>& contours) {
-    const cv::Scalar drawn(255, 0, 0, 0);
-    cv::Mat drawing = cv::Mat::zeros(size, CV_8UC1);
-    for (int i = 0; i < static_cast<int>(contours.size()); ++i) {
-        cv::drawContours(drawing, contours, i, drawn, cv::FILLED);
+/// What lies inside contours: the pixels of the box that holds them all. There is nothing beside it.
+struct Drawing {
+    cv::Rect box;
+    cv::Mat pixels;
+};
+
+Drawing Filled(const std::vector<quarry::OuterContour>& contours) {
+    Drawing drawing;
+    for (const quarry::OuterContour& contour : contours) drawing.box |= cv::boundingRect(contour.points);
+    drawing.pixels = cv::Mat::zeros(drawing.box.size(), CV_8UC1);
+    for (const quarry::OuterContour& contour : contours) {
+        const std::vector<cv::Mat> alone{cv::Mat(contour.points)};
+        cv::drawContours(drawing.pixels, alone, 0, cv::Scalar(kDrawn, 0, 0, 0), cv::FILLED, cv::LINE_8, {},
+                         std::numeric_limits<int>::max(), -drawing.box.tl());
     }
     return drawing;
+}
+
+int CountDrawn(const uint8_t* begin, const uint8_t* end) {
+    return std::accumulate(begin, end, 0, [](int count, uint8_t pixel) { return count + (pixel == kDrawn ? 1 : 0); });
+}
+
+/// Adds the drawn pixels of one row of the frame to the cells that it runs through.
+void AddRow(const Drawing& drawing, int row, int cellWidth, std::vector<int>& counts) {
+    const int left = drawing.box.x;
+    const int right = std::min(left + drawing.box.width, cellWidth * static_cast<int>(counts.size()));
+    const auto* const pixels = drawing.pixels.ptr(row - drawing.box.y);
+    for (int begin = left; begin < right;) {
+        const int cell = begin / cellWidth;
+        const int end = std::min((cell + 1) * cellWidth, right);
+        counts[static_cast<std::size_t>(cell)] += CountDrawn(pixels + (begin - left), pixels + (end - left));
+        begin = end;
+    }
+}
+
+/// Counts the drawn pixels of each cell of one row of the grid. Cells without pixels have no rows or end at column 0.
+void CountRowOfCells(const Drawing& drawing, const cv::Size& cell, int row, std::vector<int>& counts) {
+    std::fill(counts.begin(), counts.end(), 0);
+    const int top = std::max(row * cell.height, drawing.box.y);
+    const int bottom = std::min((row + 1) * cell.height, drawing.box.y + drawing.box.height);
+    for (int y = top; y < bottom; ++y) AddRow(drawing, y, cell.width, counts);
+}
+
+/// Marks the cells of which more than the fill rate's share is drawn.
+void FillGrid(const Drawing& drawing, const cv::Size& cell, float fillRate, const Mask& grid) {
+    const int threshold = quarry::Truncate(static_cast<float>(cell.area()) * fillRate);
+    std::vector<int> counts(static_cast<std::size_t>(grid.width));
+    uint8_t* out = grid.data;
+    for (int row = 0; row < grid.height; ++row) {
+        CountRowOfCells(drawing, cell, row, counts);
+        out = std::transform(counts.begin(), counts.end(), out, [=](int count) { return count > threshold ? 1 : 0; });
+    }
 }
 
 }  // namespace
@@ -35,25 +86,9 @@ ContourMaskProcessorResult ContourMaskProcessorDC::DoProcess(ContourMaskProcesso
     CheckGrid(data.GridWidth, data.GridHeight);
     quarry::PendingResult result(CreateContourMaskProcessorResult(data.GridWidth, data.GridHeight),
                                  DestroyContourMaskProcessorResult);
-    const cv::Mat grey = quarry::GreyOfRgb(data.Image);
-    FillGrid(Drawing(grey.size(), GetContours(grey, options.MinContourAreaRate)), *result->Mask);
+    const cv::Size cell(data.Image.width / data.GridWidth, data.Image.height / data.GridHeight);
+    const Drawing drawing =
+        Filled(quarry::FindOuterContours(data.Image, options.CellFillRate, options.MinContourAreaRate));
+    FillGrid(drawing, cell, options.CellFillRate, *result->Mask);
     return result.HandOver();
-}
-
-std::vector<std::vector<cv::Point>> ContourMaskProcessorDC::GetContours(const cv::Mat& image, float minAreaRate) const {
-    return quarry::GetValidContours(quarry::FindOuterContours(image, options.CellFillRate), minAreaRate,
-                                    static_cast<float>(image.rows * image.cols));
-}
-
-void ContourMaskProcessorDC::FillGrid(const cv::Mat& drawing, const Mask& grid) const {
-    const cv::Size cell(drawing.cols / grid.width, drawing.rows / grid.height);
-    const int threshold = quarry::Truncate(static_cast<float>(cell.area()) * options.CellFillRate);
-    uint8_t* out = grid.data;
-    for (int row = 0; row < grid.height; ++row) {
-        for (int column = 0; column < grid.width; ++column) {
-            const cv::Point corner(column * cell.width, row * cell.height);
-            const int count = cell.empty() ? 0 : cv::countNonZero(drawing(cv::Rect(corner, cell)));
-            *out++ = count > threshold ? 1 : 0;
-        }
-    }
 }

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <opencv2/core.hpp>
-#include <vector>
-
 #include "Quarry.Frame/ContourMaskProcessor.h"
 
 /// A grid of the cells that objects occupy: what is not black in the frame, outlined, without its small contours,
@@ -21,11 +18,4 @@ public:
     using ContourMaskProcessor::ContourMaskProcessor;
 
     ContourMaskProcessorResult DoProcess(ContourMaskProcessorData data) override;
-
-private:
-    /// Outlines of what is not 0 and not small.
-    std::vector<std::vector<cv::Point_<int>>> GetContours(const cv::Mat& image, float minAreaRate) const;
-
-    /// Marks the cells of which more than the fill rate's share is drawn.
-    void FillGrid(const cv::Mat& drawing, const Mask& grid) const;
 };

@@ -4,6 +4,7 @@
 #include <opencv2/imgproc.hpp>
 #include <utility>
 
+#include "Quarry.OpenCV/ForegroundBox.h"
 #include "Quarry.OpenCV/RegionOf.h"
 
 namespace {
@@ -28,10 +29,12 @@ double Score(const std::vector<cv::Point>& contour, int selectionMode) {
 
 std::vector<cv::Point> ContourMeasuringFunctions::GetObjectContour(cv::Rect rect, cv::Mat& mask, int method,
                                                                    int selectionMode) {
+    cv::Mat region = quarry::RegionOf(mask, rect);
+    const cv::Rect box = region.depth() == CV_8U ? quarry::ForegroundBox(region) : cv::Rect({}, region.size());
     // A copy, since some releases of OpenCV write into the image that they search.
-    const cv::Mat region = quarry::RegionOf(mask, rect).clone();
+    region = region(box).clone();
     std::vector<std::vector<cv::Point>> contours;
-    cv::findContours(region, contours, cv::RETR_LIST, method);
+    cv::findContours(region, contours, cv::RETR_LIST, method, box.tl());
     return SelectContour(std::move(contours), selectionMode);
 }
 

@@ -13,4 +13,7 @@ std::filesystem::path MediaDirectory();
 /// wants it can be skipped. `./dev setup` fetches it.
 std::vector<cv::Mat> PedestrianFrames(int count);
 
+/// A later frame of the clip, black where it is about the same as the first; empty when the footage is not there.
+cv::Mat ChangedPedestrians();
+
 }  // namespace quarry::test

@@ -39,6 +39,28 @@ void Draw(cv::Mat& frame, const cv::Mat& picture, const cv::Point& place) {
     if (!visible.empty()) picture(visible - place).copyTo(frame(visible));
 }
 
+cv::Mat ObjectMask(int width, int height) {
+    cv::Mat mask = cv::Mat::zeros(height, width, CV_8UC1);
+    const cv::Scalar object(255);
+    const int unit = std::max(1, height / 64);
+    const auto at = [&](double x, double y) { return cv::Point(cvRound(width * x), cvRound(height * y)); };
+    const cv::Point middle = at(0.5, 0.5);
+    cv::circle(mask, middle - cv::Point(0, 6 * unit), 2 * unit, object, cv::FILLED);
+    cv::ellipse(mask, middle + cv::Point(0, 2 * unit), {4 * unit, 7 * unit}, 5, 0, 360, object, cv::FILLED);
+    cv::circle(mask, middle + cv::Point(0, 5 * unit), unit, cv::Scalar(0), cv::FILLED);
+    cv::circle(mask, at(0.18, 0.35), 2 * unit, object, cv::FILLED);
+    cv::ellipse(mask, at(0.8, 0.3), {unit, 3 * unit}, 20, 0, 360, object, cv::FILLED);
+    cv::ellipse(mask, at(0.82, 0.7), {3 * unit, 2 * unit}, 30, 0, 360, object, cv::FILLED);
+    cv::circle(mask, at(0.22, 0.75), std::max(1, unit / 4), object, cv::FILLED);
+    return mask;
+}
+
+cv::Mat PaintedObjects(int width, int height) {
+    cv::Mat frame = RandomFrame(width, height, 1);
+    frame.setTo(cv::Scalar::all(0), ObjectMask(width, height) == 0);
+    return frame;
+}
+
 Image ImageOf(const cv::Mat& frame, uint64_t timestamp) {
     CV_Assert(frame.isContinuous());
     return {frame.data, frame.cols, frame.rows, static_cast<int32_t>(frame.step[0]), timestamp};

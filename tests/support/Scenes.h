@@ -22,6 +22,13 @@ cv::Mat Pattern(int width, int height, uint64_t seed);
 /// The part of a picture that lies on the frame, drawn with its left top pixel at a place.
 void Draw(cv::Mat& frame, const cv::Mat& picture, const cv::Point& place);
 
+/// A mask, 255 on 0: one object that stands in the middle quarter of the frame, with a hole, and smaller ones around
+/// it.
+cv::Mat ObjectMask(int width, int height);
+
+/// The objects of that mask in noisy colours on black.
+cv::Mat PaintedObjects(int width, int height);
+
 /// The pixels of a packed frame as the host's Image; the frame keeps them.
 Image ImageOf(const cv::Mat& frame, uint64_t timestamp = 0);
 

@@ -1,0 +1,71 @@
+#include "Quarry.OpenCV/ForegroundBox.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+/// Bytes that begin with 0 and equal themselves shifted by one. The comparison is the standard library's, which takes
+/// the widest steps that the machine has.
+bool AllZero(const uint8_t* bytes, std::ptrdiff_t count) {
+    return count <= 0 || (*bytes == 0 && std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0);
+}
+
+/// The first byte that is not 0, by halves. There is one before `end`.
+std::ptrdiff_t BeginOfNotZero(const uint8_t* bytes, std::ptrdiff_t end) {
+    std::ptrdiff_t begin = 0;
+    while (end - begin > 1) {
+        const std::ptrdiff_t middle = begin + (end - begin) / 2;
+        (AllZero(bytes + begin, middle - begin) ? begin : end) = middle;
+    }
+    return begin;
+}
+
+/// Behind the last byte that is not 0, by halves. There is one at `begin` or later.
+std::ptrdiff_t EndOfNotZero(const uint8_t* bytes, std::ptrdiff_t begin, std::ptrdiff_t end) {
+    while (end - begin > 1) {
+        const std::ptrdiff_t middle = begin + (end - begin) / 2;
+        (AllZero(bytes + middle, end - middle) ? end : begin) = middle;
+    }
+    return end;
+}
+
+/// A stretch of bytes of a row.
+struct Span {
+    std::ptrdiff_t begin, end;
+};
+
+/// The span, widened to hold all bytes of the row that are not 0.
+Span Widened(const Span& span, const uint8_t* row, std::ptrdiff_t count) {
+    Span wide = span;
+    if (!AllZero(row, span.begin)) wide.begin = BeginOfNotZero(row, span.begin);
+    if (!AllZero(row + span.end, count - span.end)) wide.end = EndOfNotZero(row, span.end, count);
+    return wide;
+}
+
+}  // namespace
+
+namespace quarry {
+
+cv::Rect ForegroundBox(const cv::Mat& image) {
+    const cv::Rect whole(0, 0, image.cols, image.rows);
+    const int channels = image.channels();
+    const std::ptrdiff_t count = std::ptrdiff_t{image.cols} * channels;
+    int top = 0;
+    while (top < image.rows && AllZero(image.ptr(top), count)) ++top;
+    if (top >= image.rows) return cv::Rect(0, 0, 1, 1) & whole;
+    int bottom = image.rows;
+    while (AllZero(image.ptr(bottom - 1), count)) --bottom;
+
+    const std::ptrdiff_t seed = BeginOfNotZero(image.ptr(top), count);
+    // The row in the middle first: it is often as wide as any, so that the others have little to widen.
+    Span span = Widened({seed, seed + 1}, image.ptr(top + (bottom - top) / 2), count);
+    for (int row = top; row < bottom; ++row) span = Widened(span, image.ptr(row), count);
+
+    const auto left = static_cast<int>(span.begin / channels);
+    const auto right = static_cast<int>((span.end - 1) / channels + 1);
+    return cv::Rect(left - 1, top - 1, right - left + 2, bottom - top + 2) & whole;
+}
+
+}  // namespace quarry
