@@ -61,6 +61,23 @@ cv::Mat PaintedObjects(int width, int height) {
     return frame;
 }
 
+cv::Mat FireScene(int width, int height) {
+    cv::Mat frame = RandomFrame(width, height, 2) * 0.4;
+    constexpr int kTongues = 5;
+    const cv::Scalar colors[] = {{20, 60, 190}, {30, 140, 250}, {90, 220, 255}, {210, 245, 255}};  // from outside in
+    double size = 1.0;
+    for (const cv::Scalar& color : colors) {
+        for (int tongue = 0; tongue < kTongues; ++tongue) {
+            const cv::Point foot(width * (tongue + 4) / (kTongues + 7), height * 3 / 4 - height * tongue % 3 / 9);
+            const cv::Size axes(cvRound(width * 0.05 * size), cvRound(height * (0.2 + 0.03 * (tongue % 3)) * size));
+            cv::ellipse(frame, foot, axes, 10.0 * (tongue - 2), 0, 360, color, cv::FILLED);
+        }
+        size *= 0.75;
+    }
+    cv::blur(frame, frame, {5, 5});
+    return frame + RandomFrame(width, height, 3) * 0.04;  // a camera's noise
+}
+
 Image ImageOf(const cv::Mat& frame, uint64_t timestamp) {
     CV_Assert(frame.isContinuous());
     return {frame.data, frame.cols, frame.rows, static_cast<int32_t>(frame.step[0]), timestamp};

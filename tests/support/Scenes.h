@@ -29,6 +29,9 @@ cv::Mat ObjectMask(int width, int height);
 /// The objects of that mask in noisy colours on black.
 cv::Mat PaintedObjects(int width, int height);
 
+/// Tongues of fire, about a tenth of the frame, before a dark textured background.
+cv::Mat FireScene(int width, int height);
+
 /// The pixels of a packed frame as the host's Image; the frame keeps them.
 Image ImageOf(const cv::Mat& frame, uint64_t timestamp = 0);
 
