@@ -78,8 +78,7 @@ bool MosseTracker::NeedInitialize(MosseTrackerData /*data*/) {
 
 void MosseTracker::DoInitialize(MosseTrackerData data) {
     const PixelRect& rect = data.InitialRect;
-    needInitialize = !initImpl(quarry::PackedFrame(data.Image), cv::Rect2d(rect.X, rect.Y, rect.Width, rect.Height));
-    InitResult();
+    initImpl(quarry::PackedFrame(data.Image), cv::Rect2d(rect.X, rect.Y, rect.Width, rect.Height));
 }
 
 void MosseTracker::InitResult() {
@@ -88,6 +87,9 @@ void MosseTracker::InitResult() {
 
 void MosseTracker::DoUpdate(MosseTrackerData data) {
     found = updateImpl(quarry::PackedFrame(data.Image));
+    // Only now: a first frame that could not be taken in is none, and the next is trained on in its place.
+    InitResult();
+    needInitialize = false;
 }
 
 void MosseTracker::AssignResultData() {
@@ -97,7 +99,7 @@ void MosseTracker::AssignResultData() {
     result->Found = found ? 1 : 0;
 }
 
-bool MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect) {
+void MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect) {
     size = {cv::getOptimalDFTSize(quarry::Truncate(rect.width)), cv::getOptimalDFTSize(quarry::Truncate(rect.height))};
     const double left = std::floor((2 * rect.x + rect.width - size.width) * 0.5);
     const double top = std::floor((2 * rect.y + rect.height - size.height) * 0.5);
@@ -116,7 +118,6 @@ bool MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect)
     A = SumOfSamples(Correlation(G, spectrum));
     B = SumOfSamples(Correlation(spectrum, spectrum));
     H = divDFTs(A, B);
-    return true;
 }
 
 cv::Mat MosseTracker::randWarp(const cv::Mat& window) {
@@ -210,6 +211,7 @@ bool MosseTracker::updateImpl(const cv::Mat& frame) {
     const cv::Mat numerator = Correlation(G, spectrum) * learningRate + A * (1 - learningRate);
     const cv::Mat denominator = Correlation(spectrum, spectrum) * learningRate + B * (1 - learningRate);
     H = divDFTs(numerator, denominator);
+    // All that can fail is behind: the tracker changes as a whole or not at all.
     A = numerator;
     B = denominator;
     center = place;

@@ -14,7 +14,7 @@
 /// consulted. The updater's state stays NoResult; the result's `Found` says what became of the target. The result holds
 /// no buffer.
 /// @throws cv::Exception          `data` is null while the frame is not empty, the frame is empty, or the rectangle is
-///                                smaller than 2 x 2; a first frame that fails leaves the tracker as it was
+///                                smaller than 2 x 2; a frame that fails leaves the tracker as it was
 /// @throws std::invalid_argument  `TrackerMode` is neither 0 nor 1 (when the tracker is created)
 class MosseTracker : public Updatable<MosseTrackerOptions, MosseTrackerData, MosseTrackerResult> {
 public:
@@ -40,7 +40,7 @@ public:
 
 private:
     /// Trains the filter on the rectangle of the first frame.
-    bool initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect);
+    void initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect);
 
     /// Log, zero mean, unit deviation, tapered towards the borders; in place.
     void preProcess(cv::Mat& window) const;

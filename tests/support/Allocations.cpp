@@ -1,5 +1,7 @@
 #include "support/Allocations.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -18,13 +20,20 @@ std::atomic<std::size_t> noteCount{0};
 std::array<std::size_t, kMostNotes> notes;
 std::atomic<bool> failing{false};
 std::atomic<std::size_t> servedBeforeFailure{0};
+std::atomic<const void*> failingObject{nullptr};
 
-void* Allocate(std::size_t size) {
+/// Where the program or shared object that an address lies in is loaded.
+const void* ObjectAt(const void* address) {
+    Dl_info info = {};
+    return dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
+}
+
+void* Allocate(std::size_t size, const void* caller) {
     if (noting) {
         const std::size_t note = noteCount++;
         if (note < kMostNotes) notes[note] = size;
     }
-    if (failing && servedBeforeFailure-- == 0) {
+    if (failing && (failingObject == nullptr || failingObject == ObjectAt(caller)) && servedBeforeFailure-- == 0) {
         failing = false;
         throw std::bad_alloc();
     }
@@ -44,10 +53,10 @@ void Release(void* block) noexcept {
 }  // namespace
 
 void* operator new(std::size_t size) {
-    return Allocate(size);
+    return Allocate(size, __builtin_return_address(0));
 }
 void* operator new[](std::size_t size) {
-    return Allocate(size);
+    return Allocate(size, __builtin_return_address(0));
 }
 void operator delete(void* block) noexcept {
     Release(block);
@@ -89,13 +98,18 @@ std::vector<std::size_t> AllocationLog::Sizes() {
     return sizes;
 }
 
-FailingAllocation::FailingAllocation(std::size_t served) {
+FailingAllocation::FailingAllocation(std::size_t served, const void* object) {
     servedBeforeFailure = served;
+    failingObject = object == nullptr ? nullptr : ObjectAt(object);
     failing = true;
 }
 
 FailingAllocation::~FailingAllocation() {
     failing = false;
+}
+
+bool FailingAllocation::HasHappened() const {
+    return !failing;
 }
 
 }  // namespace quarry::test

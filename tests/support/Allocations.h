@@ -31,10 +31,13 @@ public:
 /// Makes one allocation fail while it lives: the one after `served` more have been served.
 class FailingAllocation {
 public:
-    explicit FailingAllocation(std::size_t served);
+    /// @param object  an address in the program or shared object whose own allocations alone count; null counts all
+    explicit FailingAllocation(std::size_t served, const void* object = nullptr);
     FailingAllocation(const FailingAllocation&) = delete;
     FailingAllocation& operator=(const FailingAllocation&) = delete;
     ~FailingAllocation();
+
+    bool HasHappened() const;
 };
 
 }  // namespace quarry::test
