@@ -131,6 +131,7 @@ float* WriteColors(const std::vector<cv::Vec3f>& samples, float* out) {
 KMeanResult KMeanColorExtractor::DoProcess(KMeanData data) {
     const cv::Mat frame = quarry::PackedFrame(data.Image);
     quarry::CheckArray("KMeanData.Keypoints.Points", data.Keypoints.Points, kKeypoints, "points");
+    CV_Assert(!frame.empty());  // millions of rows without pixels would be walked through
     const Body body = PixelsOf(data.Keypoints.Points, frame.size());
     const std::vector<cv::Vec3f> torso = SamplesOf(frame, MaskOf({Torso(body)}, frame.size()));
     const std::vector<cv::Vec3f> legs = SamplesOf(frame, MaskOf(Legs(body), frame.size()));

@@ -80,7 +80,7 @@ FireOutputData PixelwiseFireProcessor::DoProcess(FireInputData data) {
     const Image& image = data.Frame;
     CheckSize(image);
     const cv::Mat frame = quarry::PackedFrame(image);
-    CV_Assert(!frame.empty());
+    CV_Assert(!frame.empty());  // OpenCV would work its way through millions of rows without pixels
     const std::vector<cv::Point> region = LargestRegion(quarry::FlameCandidates(frame));
     quarry::PendingResult result(CreateFireOutputData(image.width, image.height), DestroyFireOutputData);
     cv::Mat mask(image.height, image.width, CV_8UC1, result->FireMask->data, static_cast<std::size_t>(image.width));
