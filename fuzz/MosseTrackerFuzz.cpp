@@ -1,8 +1,11 @@
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "fuzz/Bytes.h"
 #include "fuzz/Calls.h"
+#include "fuzz/Plain.h"
+#include "support/PlainMosseTracker.h"
 
 using namespace quarry::fuzz;
 
@@ -16,10 +19,14 @@ PixelRect Target(Bytes& bytes) {
     return {place(), place(), static_cast<int16_t>(bytes.Size(48)), static_cast<int16_t>(bytes.Size(48))};
 }
 
-void CheckResult(const MosseTrackerResult& result) {
-    Require(result.Found <= 1, "a target is found or not");
+bool SamePlace(const PixelRect& a, const PixelRect& b) {
+    return a.X == b.X && a.Y == b.Y && a.Width == b.Width && a.Height == b.Height;
+}
+
+void CheckResult(const MosseTrackerResult& result, const quarry::test::PlainMosseTracker& plain) {
+    Require(result.Found == (plain.found ? 1 : 0), "a target is found where the plain steps find it, and only there");
+    Require(SamePlace(result.TargetRect, plain.Rect()), "the window is where the plain steps put it");
     Require(result.Zero[0] == 0 && result.Zero[1] == 0 && result.Zero[2] == 0, "zeros are zero");
-    Require(result.TargetRect.Width >= 0 && result.TargetRect.Height >= 0, "a window has no negative side");
 }
 
 }  // namespace
@@ -32,12 +39,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     Require((handle != nullptr) == (options.TrackerMode <= 1), "a mode is refused when it is unknown, and only then");
     if (handle == nullptr) return 0;
 
-    bool started = false;
+    std::optional<quarry::test::PlainMosseTracker> plain;
     for (int frame = bytes.Below(6); frame >= 0; --frame) {
         const MosseTrackerData input = {bytes.Any<uint32_t>(), bytes.FrameOrNull(), Target(bytes)};
-        started = Updated(handle, input) || started;
-        const bool got = GotResult<MosseTrackerResult>(handle, CheckResult);
-        Require(got == started, "there is a result once a frame was taken in");
+        if (Updated(handle, input)) {
+            if (!plain) plain.emplace(options.TrackerMode, FrameOf(input.Image), input.InitialRect);
+            plain->Update(FrameOf(input.Image));
+        }
+        const auto check = [&](const MosseTrackerResult& result) { CheckResult(result, *plain); };
+        Require(GotResult<MosseTrackerResult>(handle, check) == plain.has_value(),
+                "there is a result once a frame was taken in");
     }
     return 0;
 }

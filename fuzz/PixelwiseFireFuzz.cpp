@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <opencv2/imgproc.hpp>
@@ -8,38 +7,14 @@
 #include "fuzz/Bytes.h"
 #include "fuzz/Calls.h"
 #include "fuzz/Plain.h"
+#include "support/PlainFlame.h"
 
 using namespace quarry::fuzz;
 
 namespace {
 
-double Linear(double channel) {
-    const double c = channel / 255.0;
-    return 100.0 * (c > 0.04045 ? std::pow((c + 0.055) / 1.055, 2.4) : c / 12.92);
-}
-
-double Root(double t) {
-    return t > 0.008856 ? std::pow(t, 1.0 / 3.0) : 7.787 * t + 16.0 / 116.0;
-}
-
-bool IsFlame(double L, double a, double b) {
-    if (!(a > -23.0 && a < 51.0)) return false;
-    const double t1 = 4200.0 - (a + 42.0) * (a + 42.0);
-    const double t2 = 1600.0 - (a + 7.0) * (a + 7.0);
-    const bool above = a > 17.9 ? L > 59.0 : t1 > 0.0 && L > 34.0 + std::sqrt(t1);
-    const bool below = a > 5.0 ? L < -0.54 * a + 92.5 : t2 > 0.0 && L < std::sqrt(t2) + 59.5;
-    const double least = a > 4.0 ? 1.1 * a - 12.0 : 0.13 * ((a - 6.0) * (a - 6.0)) - 8.0;
-    return above && below && b > least && L > -0.95 * b + 92.0;
-}
-
 bool IsFlame(const cv::Vec3b& pixel) {
-    const double red = Linear(pixel[2]);
-    const double green = Linear(pixel[1]);
-    const double blue = Linear(pixel[0]);
-    const double x = Root((0.4124 * red + 0.3576 * green + 0.1805 * blue) / 95.047);
-    const double y = Root((0.2126 * red + 0.7152 * green + 0.0722 * blue) / 100.0);
-    const double z = Root((0.0193 * red + 0.1192 * green + 0.9505 * blue) / 108.883);
-    return IsFlame(116.0 * y - 16.0, 500.0 * (x - y), 200.0 * (y - z));
+    return quarry::test::PlainIsFlame(quarry::test::PlainLab(pixel[2], pixel[1], pixel[0]));
 }
 
 cv::Mat Flame(const cv::Mat& frame) {
