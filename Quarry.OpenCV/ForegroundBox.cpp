@@ -49,6 +49,7 @@ Span Widened(const Span& span, const uint8_t* row, std::ptrdiff_t count) {
 namespace quarry {
 
 cv::Rect ForegroundBox(const cv::Mat& image) {
+    if (image.cols <= 0 || image.rows <= 0) return {};
     const cv::Rect whole(0, 0, image.cols, image.rows);
     const int channels = image.channels();
     const std::ptrdiff_t count = std::ptrdiff_t{image.cols} * channels;

@@ -9,7 +9,7 @@ namespace quarry {
 ///
 /// The contours of the box are those of the image, shifted: what is left out is 0, so that all other pixels keep their
 /// neighbours and are met in the same order, row by row, and the box ends at the image's edges or at zeros.
-/// @param image  8-bit; one without pixels has an empty box
+/// @param image  8-bit; one without pixels, or with a negative side, has an empty box
 cv::Rect ForegroundBox(const cv::Mat& image);
 
 }  // namespace quarry
