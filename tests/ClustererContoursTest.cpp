@@ -24,41 +24,9 @@ constexpr int kLowest = std::numeric_limits<int>::min();
 const float kJustAboveHalf = std::nextafter(0.5F, 1.0F);
 const cv::Scalar kWhite = cv::Scalar::all(255);
 
-cv::Mat BlackFrame(int width, int height) {
-    return cv::Mat::zeros(height, width, CV_8UC3);
-}
-
 cv::Mat FrameWith(const cv::Size& size, const cv::Rect& object, const cv::Scalar& color = kWhite) {
     cv::Mat frame = BlackFrame(size.width, size.height);
     frame(object).setTo(color);
-    return frame;
-}
-
-/// Blobs, rings, lines and single pixels in random colours, some of them nearly black.
-cv::Mat RandomScene(const cv::Size& size, uint64_t seed) {
-    cv::RNG random(seed + 1);  // a generator seeded with 0 gives 0 for ever
-    cv::Mat frame = BlackFrame(size.width, size.height);
-    const auto place = [&] { return cv::Point(random.uniform(0, size.width), random.uniform(0, size.height)); };
-    const int shapes = random.uniform(0, 9);
-    for (int i = 0; i < shapes; ++i) {
-        const int reach = random.uniform(0, 3) == 0 ? 4 : 256;
-        const cv::Scalar color(random.uniform(0, reach), random.uniform(0, reach), random.uniform(0, reach));
-        const int radius = random.uniform(0, size.height / 3 + 1);
-        switch (random.uniform(0, 4)) {
-            case 0:
-                cv::circle(frame, place(), radius, color, cv::FILLED);
-                break;
-            case 1:
-                cv::circle(frame, place(), radius, color, random.uniform(1, 4));
-                break;
-            case 2:
-                cv::rectangle(frame, place(), place(), color, random.uniform(0, 2) == 0 ? 1 : -1);
-                break;
-            default:
-                cv::line(frame, place(), place(), color);
-                break;
-        }
-    }
     return frame;
 }
 

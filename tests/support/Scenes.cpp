@@ -78,6 +78,37 @@ cv::Mat FireScene(int width, int height) {
     return frame + RandomFrame(width, height, 3) * 0.04;  // a camera's noise
 }
 
+cv::Mat BlackFrame(int width, int height) {
+    return cv::Mat::zeros(height, width, CV_8UC3);
+}
+
+cv::Mat RandomScene(const cv::Size& size, uint64_t seed) {
+    cv::RNG random(seed + 1);  // a generator seeded with 0 gives 0 for ever
+    cv::Mat frame = BlackFrame(size.width, size.height);
+    const auto place = [&] { return cv::Point(random.uniform(0, size.width), random.uniform(0, size.height)); };
+    const int shapes = random.uniform(0, 9);
+    for (int i = 0; i < shapes; ++i) {
+        const int reach = random.uniform(0, 3) == 0 ? 4 : 256;
+        const cv::Scalar color(random.uniform(0, reach), random.uniform(0, reach), random.uniform(0, reach));
+        const int radius = random.uniform(0, size.height / 3 + 1);
+        switch (random.uniform(0, 4)) {
+            case 0:
+                cv::circle(frame, place(), radius, color, cv::FILLED);
+                break;
+            case 1:
+                cv::circle(frame, place(), radius, color, random.uniform(1, 4));
+                break;
+            case 2:
+                cv::rectangle(frame, place(), place(), color, random.uniform(0, 2) == 0 ? 1 : -1);
+                break;
+            default:
+                cv::line(frame, place(), place(), color);
+                break;
+        }
+    }
+    return frame;
+}
+
 Image ImageOf(const cv::Mat& frame, uint64_t timestamp) {
     CV_Assert(frame.isContinuous());
     return {frame.data, frame.cols, frame.rows, static_cast<int32_t>(frame.step[0]), timestamp};

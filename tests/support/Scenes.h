@@ -32,6 +32,11 @@ cv::Mat PaintedObjects(int width, int height);
 /// Tongues of fire, about a tenth of the frame, before a dark textured background.
 cv::Mat FireScene(int width, int height);
 
+cv::Mat BlackFrame(int width, int height);
+
+/// Blobs, rings, lines and single pixels in random colours, some of them nearly black, on black.
+cv::Mat RandomScene(const cv::Size& size, uint64_t seed);
+
 /// The pixels of a packed frame as the host's Image; the frame keeps them.
 Image ImageOf(const cv::Mat& frame, uint64_t timestamp = 0);
 
