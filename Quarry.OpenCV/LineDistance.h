@@ -7,7 +7,8 @@
 namespace quarry {
 
 /// How far points lie from the straight line through two others, negative on the side where the cross product with its
-/// direction is. Single precision throughout, but for the root of the area. Not a number where the two are equal.
+/// direction is. Single precision throughout, but for the root of the area. Not a number where the two are equal, and
+/// where rounding leaves the squared area below 0.
 class LineDistance {
 public:
     LineDistance(const cv::Point2f& p1, const cv::Point2f& p2) : first(p1), second(p2), base(Length(p2 - p1)) {}
