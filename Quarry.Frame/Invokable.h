@@ -10,10 +10,7 @@ public:
     Invokable(const Invokable&) = delete;
     Invokable& operator=(const Invokable&) = delete;
 
-    ~Invokable() {
-        delete target;
-        target = nullptr;
-    }
+    ~Invokable() { delete target; }
 
     virtual Disposable* GetTarget() { return target; }
 

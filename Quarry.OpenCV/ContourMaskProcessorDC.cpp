@@ -38,7 +38,7 @@ Drawing Filled(const std::vector<quarry::OuterContour>& contours) {
     drawing.pixels = cv::Mat::zeros(drawing.box.size(), CV_8UC1);
     for (const quarry::OuterContour& contour : contours) {
         const std::vector<cv::Mat> alone{cv::Mat(contour.points)};
-        cv::drawContours(drawing.pixels, alone, 0, cv::Scalar(kDrawn, 0, 0, 0), cv::FILLED, cv::LINE_8, {},
+        cv::drawContours(drawing.pixels, alone, 0, cv::Scalar(kDrawn), cv::FILLED, cv::LINE_8, {},
                          std::numeric_limits<int>::max(), -drawing.box.tl());
     }
     return drawing;

@@ -58,8 +58,8 @@ private:
     /// Spectrum of the grey window around a point, preprocessed.
     cv::Mat PatchSpectrum(const cv::Mat& frame, const cv::Point2d& middle) const;
 
-    double learningRate = 0;
-    double psrThreshold = 0;  ///< least peak-to-sidelobe ratio of a target that is found
+    double learningRate;
+    double psrThreshold;  ///< least peak-to-sidelobe ratio of a target that is found
     bool needInitialize = true;
     bool found = false;
     cv::Point2d center;     ///< pixels

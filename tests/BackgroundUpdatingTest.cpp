@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "Quarry.Frame/InvokableUpdater.h"
 #include "Quarry.OpenCV/BackgroundUpdating.h"
 #include "support/Footage.h"
 #include "support/Framed.h"
@@ -397,6 +398,14 @@ TEST(BackgroundUpdating, GivesNoResultAfterAFrameOfAnotherSizeWithoutPixels) {
     EXPECT_THROW(model.UpdateImage({nullptr, 10, 20, 30, 2 * kSecond}), cv::Exception);
     EXPECT_THROW(model.Result(), std::logic_error);
     ExpectSame(model, reference, MovingSquare(10, 20, 1), 3 * kSecond);
+}
+
+TEST(BackgroundUpdating, HasNoStateAfterAFrameOfAnotherSizeWithoutPixels) {
+    Model model({0.5F, 50, 0.0F, 5.0F});
+    ASSERT_EQ(model.Update(MovingSquare(20, 10, 0), kSecond), Ready);
+    EXPECT_THROW(model.UpdateImage({nullptr, 10, 20, 30, 2 * kSecond}), cv::Exception);
+    auto* const handle = static_cast<InvokableUpdater*>(static_cast<Invokable*>(model.handle));
+    EXPECT_EQ(handle->GetUpdater()->GetState(), NoResult);
 }
 
 TEST(BackgroundUpdating, BeginsAnewAfterAFrameThatCannotBeAllocated) {

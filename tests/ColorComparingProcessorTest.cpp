@@ -358,7 +358,7 @@ TEST_F(ColorComparing, AcceptsARowOfAllBytesThat32BitsHold) {
 
 TEST_F(ColorComparing, RefusesANegativeSize) {
     const cv::Mat frame = RandomFrame(8, 8, 1);
-    for (const cv::Size& size : {cv::Size(-4, 4), cv::Size(4, -4), cv::Size(-4, -4)}) {
+    for (const cv::Size& size : {cv::Size(-4, 4), cv::Size(4, -4), cv::Size(-4, -4), cv::Size(-kWidest, 4)}) {
         const Image negative = {frame.data, size.width, size.height, 12, 0};
         ExpectRefusal<cv::Exception>(handles[0], negative, ImageOf(frame));
         ExpectRefusal<cv::Exception>(handles[0], ImageOf(frame), negative);

@@ -312,6 +312,7 @@ TEST_F(ImageSubtractor, RefusesASizeWhoseBufferWouldWrapToASmallOne) {
 TEST_F(ImageSubtractor, FailsAsAnAllocationWhenTheBufferWrapsToANegativeSize) {
     uint8_t pixel[3] = {};
     ExpectRefusal<std::bad_alloc>({pixel, 1, 2, 1 << 30, 0}, {pixel, 0, 0, 0, 0});
+    ExpectRefusal<std::bad_alloc>({pixel, 1, 3, 1431655765, 0}, {pixel, 0, 0, 0, 0});  // wraps to -1
     ExpectRefusal<std::bad_alloc>({pixel, 0, 5, -1, 0}, {pixel, 0, 0, 0, 0});
 }
 
