@@ -16,12 +16,14 @@ constexpr const char* kFooter = R"(Examples:
   quarry sharpness *.jpg
   quarry background street.avi --out street-marked.avi
   quarry track street.avi --rect 310,140,40,90 --out street-tracked.avi
+  quarry scan sharpness --manifest videos --out lines --shard 2/16
   quarry demo --media media --out demo
   quarry describe mosse-tracker
 
 `quarry VERB --help` tells more about a verb.
 Exit codes: 0 fine, 1 something failed, 2 wrong usage, 130 interrupted by Ctrl-C (what was
-written until then is complete). Each error is one line on stderr.)";
+written until then is complete); `quarry scan --help` tells those of scan. Each error is one
+line on stderr.)";
 
 int RunChosen(const std::vector<Verb>& verbs) {
     for (const Verb& verb : verbs) {
@@ -39,12 +41,12 @@ int Main(int argc, char** argv) {
     app.set_version_flag("--version", "quarry " QUARRY_VERSION);
     app.require_subcommand(0, 1);
     app.footer(kFooter);
-    const std::vector<Verb> verbs = {AddSharpness(app),  AddDiff(app),     AddSimilarity(app), AddDenoise(app),
-                                     AddBackground(app), AddTrack(app),    AddFlow(app),       AddContours(app),
-                                     AddOccupancy(app),  AddClusters(app), AddInside(app),     AddShapeRate(app),
-                                     AddRect(app),       AddClothing(app), AddDetect(app),     AddPeople(app),
-                                     AddColours(app),    AddFire(app),     AddAlign(app),      AddRotate(app),
-                                     AddList(app),       AddDescribe(app), AddDemo(app)};
+    const std::vector<Verb> verbs = {
+        AddSharpness(app), AddDiff(app),      AddSimilarity(app), AddDenoise(app),   AddBackground(app),
+        AddTrack(app),     AddFlow(app),      AddContours(app),   AddOccupancy(app), AddClusters(app),
+        AddInside(app),    AddShapeRate(app), AddRect(app),       AddClothing(app),  AddDetect(app),
+        AddPeople(app),    AddColours(app),   AddFire(app),       AddAlign(app),     AddRotate(app),
+        AddScan(app),      AddMerge(app),     AddList(app),       AddDescribe(app),  AddDemo(app)};
     try {
         app.parse(argc, argv);
         return RunChosen(verbs);

@@ -20,7 +20,7 @@ public:
     /// The name to write to.
     const std::filesystem::path& temporary() const { return temporaryName; }
 
-    /// Gives the file its name, in place of what had it before.
+    /// Gives the file its name, in place of what had it before. It is on the disk then.
     void Keep();
 
 private:
@@ -28,5 +28,8 @@ private:
     std::filesystem::path temporaryName;
     std::size_t place;  ///< among those that an interruption removes
 };
+
+/// Whether a file has the temporary name of one that is being written, or was when the command was killed.
+bool IsTemporary(const std::filesystem::path& path);
 
 }  // namespace quarry::host

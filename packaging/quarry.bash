@@ -7,18 +7,31 @@ _quarry_section() {
 }
 
 _quarry() {
-    local quarry=${COMP_WORDS[0]/#\~\//$HOME/} word=${COMP_WORDS[COMP_CWORD]} verb= candidates= i
+    local quarry=${COMP_WORDS[0]/#\~\//$HOME/} word=${COMP_WORDS[COMP_CWORD]} verb= candidates= operations= i
     for ((i = 1; i < COMP_CWORD; i++)); do
         [[ ${COMP_WORDS[i]} == -* ]] || { verb=${COMP_WORDS[i]} && break; }
     done
 
+    # `scan` has operations of its own; the options of the one that is there come after those of scan.
+    if [[ $verb == scan ]]; then
+        operations=$("$quarry" scan --help 2>/dev/null | _quarry_section Subcommands)
+        for ((i = 1; i < COMP_CWORD; i++)); do
+            [[ $'\n'$operations$'\n' != *$'\n'"${COMP_WORDS[i]}"$'\n'* ]] || verb="scan ${COMP_WORDS[i]}"
+        done
+    fi
+
     COMPREPLY=()
     if [[ $word == -* ]]; then
-        candidates=$("$quarry" $verb --help 2>/dev/null | _quarry_section Options)
+        candidates=$({
+            "$quarry" ${verb% *} --help
+            [[ $verb != *" "* ]] || "$quarry" $verb --help
+        } 2>/dev/null | _quarry_section Options)
     elif [[ -z $verb ]]; then
         candidates=$("$quarry" --help 2>/dev/null | _quarry_section Subcommands)
     elif [[ $verb == describe ]]; then
         candidates=$("$quarry" list --json 2>/dev/null | sed -n 's/^{"name":"\([^"]*\)".*/\1/p')
+    elif [[ $verb == scan && ${COMP_WORDS[COMP_CWORD - 1]} != -* ]]; then
+        candidates=$operations
     else
         return
     fi

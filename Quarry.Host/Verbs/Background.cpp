@@ -22,11 +22,6 @@ from it.
 Example:
   quarry background street.avi --out street-marked.avi --sensitivity 0.7)";
 
-struct Options {
-    VideoOptions video;
-    BackgroundModel::Options model;
-};
-
 const char* NameOf(UpdaterState state) {
     switch (state) {
         case NoResult:
@@ -84,34 +79,33 @@ private:
     double shares = 0;
 };
 
-int Run(const Options& options) {
-    Background verb(options.model);
-    return RunOverVideo(options.video, "background", verb);
+Beginning AddOwnOptions(CLI::App& command) {
+    const auto model = std::make_shared<BackgroundModel::Options>();
+    command.add_option("--sensitivity", model->sensitivity, "How small a difference from the background counts")
+        ->check(Within(0, 1))
+        ->capture_default_str();
+    command.add_option("--history", model->historyLength, "Frames of history of the model")
+        ->check(Within(1, 100'000))
+        ->capture_default_str();
+    command
+        .add_option("--adaptation", model->adaptationSeconds, "Seconds in which a learnt background follows changes")
+        ->check(Within(0.001, 86'400))
+        ->capture_default_str();
+    command
+        .add_option("--speedup", model->learningSpeedup, "How many times faster it is learnt at first; 0 is no faster")
+        ->check(Within(0, 1000))
+        ->capture_default_str();
+    return [model] { return std::make_unique<Background>(*model); };
 }
 
 }  // namespace
 
+FrameOperation BackgroundOperation() {
+    return {"background", "What moves in a video: learns its background and marks what differs from it", AddOwnOptions};
+}
+
 Verb AddBackground(CLI::App& commandLine) {
-    const auto options = std::make_shared<Options>();
-    CLI::App* const command = commandLine.add_subcommand(
-        "background", "What moves in a video: learns its background and marks what differs from it");
-    command->footer(kFooter);
-    AddVideoOptions(*command, options->video, "its foreground marked");
-    BackgroundModel::Options& model = options->model;
-    command->add_option("--sensitivity", model.sensitivity, "How small a difference from the background counts")
-        ->check(Within(0, 1))
-        ->capture_default_str();
-    command->add_option("--history", model.historyLength, "Frames of history of the model")
-        ->check(Within(1, 100'000))
-        ->capture_default_str();
-    command->add_option("--adaptation", model.adaptationSeconds, "Seconds in which a learnt background follows changes")
-        ->check(Within(0.001, 86'400))
-        ->capture_default_str();
-    command
-        ->add_option("--speedup", model.learningSpeedup, "How many times faster it is learnt at first; 0 is no faster")
-        ->check(Within(0, 1000))
-        ->capture_default_str();
-    return {command, [options] { return Run(*options); }};
+    return AddVideoVerb(commandLine, BackgroundOperation(), kFooter, "its foreground marked");
 }
 
 }  // namespace quarry::host

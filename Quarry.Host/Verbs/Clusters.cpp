@@ -32,7 +32,6 @@ Examples:
   quarry clusters mask.png --min-area 0.01 --json)";
 
 struct Options {
-    VideoOptions input;
     float minArea = kUsualClusters.minContourAreaRate;
     bool everyPixel = false;
 };
@@ -49,8 +48,7 @@ nlohmann::ordered_json ObjectOf(const Cluster& cluster) {
 class Clusters : public FrameByFrame {
 public:
     explicit Clusters(const Options& options)
-        : shown(options.input.video),
-          find({options.everyPixel ? 1.0F : kUsualClusters.outlinePrecision, options.minArea}) {}
+        : find({options.everyPixel ? 1.0F : kUsualClusters.outlinePrecision, options.minArea}) {}
 
     void Take(const VideoFrame& frame) override {
         last = frame;
@@ -77,7 +75,7 @@ public:
 
     cv::Mat Annotated() const override {
         return WithCaption(MarkClusters(last.pixels, *clusters),
-                           shown.Place(last) + Format("%zu clusters   area %.2f %%", clusters->size(), area * 100));
+                           Shown::Place(last) + Format("%zu clusters   area %.2f %%", clusters->size(), area * 100));
     }
 
     std::string Summary() const override {
@@ -96,25 +94,25 @@ private:
     std::vector<double> milliseconds;  ///< of the clusters alone
 };
 
-int Run(const Options& options) {
-    Clusters verb(options);
-    return RunOverPictureOrVideo(options.input, "clusters", verb);
+Beginning AddOwnOptions(CLI::App& command) {
+    const auto options = std::make_shared<Options>();
+    command.add_option("--min-area", options->minArea, "Share of the frame that a thing must have to count")
+        ->check(Within(0, 1))
+        ->capture_default_str();
+    command.add_flag("--every-pixel", options->everyPixel,
+                     "Keep every pixel of the borders, not only those that shape them");
+    return [options] { return std::make_unique<Clusters>(*options); };
 }
 
 }  // namespace
 
+FrameOperation ClustersOperation() {
+    return {"clusters", "The things that move in a video, or that are not black in a picture: contours and centres",
+            AddOwnOptions};
+}
+
 Verb AddClusters(CLI::App& commandLine) {
-    const auto options = std::make_shared<Options>();
-    CLI::App* const command = commandLine.add_subcommand(
-        "clusters", "The things that move in a video, or that are not black in a picture: contours and centres");
-    command->footer(kFooter);
-    AddPictureOrVideoOptions(*command, options->input, "contours and centres drawn");
-    command->add_option("--min-area", options->minArea, "Share of the frame that a thing must have to count")
-        ->check(Within(0, 1))
-        ->capture_default_str();
-    command->add_flag("--every-pixel", options->everyPixel,
-                      "Keep every pixel of the borders, not only those that shape them");
-    return {command, [options] { return Run(*options); }};
+    return AddPictureOrVideoVerb(commandLine, ClustersOperation(), kFooter, "contours and centres drawn");
 }
 
 }  // namespace quarry::host

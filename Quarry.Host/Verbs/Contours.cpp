@@ -36,7 +36,6 @@ Examples:
   quarry contours street.avi --json | sed -n 40p | jq .points > now.json)";
 
 struct Options {
-    VideoOptions video;
     std::optional<cv::Rect> rect;
     ObjectContour::Options contour;
 };
@@ -53,7 +52,7 @@ public:
     explicit Contours(const Options& options) : rect(options.rect), find(options.contour) {}
 
     void Take(const VideoFrame& frame) override {
-        if (frame.index == 0 && rect) CheckIsWithin(*rect, frame.pixels.size());
+        if (milliseconds.empty() && rect) CheckIsWithin(*rect, frame.pixels.size());
         last = frame;
         model.Update(ViewOf(frame.pixels, frame.timestamp));
         const cv::Size size = frame.pixels.size();
@@ -118,21 +117,10 @@ void AddChoice(CLI::App& command, const std::string& option, Choice& choice, con
         ->default_str(preset);
 }
 
-int Run(const Options& options) {
-    Contours verb(options);
-    return RunOverVideo(options.video, "contours", verb);
-}
-
-}  // namespace
-
-Verb AddContours(CLI::App& commandLine) {
+Beginning AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = commandLine.add_subcommand(
-        "contours", "The contour of what moves in a video: one object, in the whole frame or in a rectangle");
-    command->footer(kFooter);
-    AddVideoOptions(*command, options->video, "the contour drawn");
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--rect", [options](const std::string& text) { options->rect = RectOf(text); },
             "Where to look, in pixels (default: the whole frame)")
         ->type_name("X,Y,WIDTH,HEIGHT");
@@ -142,11 +130,22 @@ Verb AddContours(CLI::App& commandLine) {
                                                     {"tc89-kcos", Tracing::TehChinKCosine}};
     const std::map<std::string, Selection> selections = {{"area", Selection::LargestArea},
                                                          {"diagonal", Selection::LongestDiagonal}};
-    AddChoice(*command, "--method", options->contour.tracing, methods, "simple",
+    AddChoice(command, "--method", options->contour.tracing, methods, "simple",
               "Which points of the border are left out");
-    AddChoice(*command, "--select", options->contour.selection, selections, "area",
+    AddChoice(command, "--select", options->contour.selection, selections, "area",
               "Which contour is taken: that of the largest area or diagonal");
-    return {command, [options] { return Run(*options); }};
+    return [options] { return std::make_unique<Contours>(*options); };
+}
+
+}  // namespace
+
+FrameOperation ContoursOperation() {
+    return {"contours", "The contour of what moves in a video: one object, in the whole frame or in a rectangle",
+            AddOwnOptions};
+}
+
+Verb AddContours(CLI::App& commandLine) {
+    return AddVideoVerb(commandLine, ContoursOperation(), kFooter, "the contour drawn");
 }
 
 }  // namespace quarry::host

@@ -22,12 +22,12 @@ X,Y,WIDTH,HEIGHT in pixels. Colour alone decides: an orange or a pale wall count
 Example:
   quarry fire stove.jpg --out stove-outlined.jpg)";
 
-class Fire : public PictureByPicture {
+class Fire : public FrameByFrame {
 public:
-    void Take(const cv::Mat& picture) override {
-        last = picture;
+    void Take(const VideoFrame& frame) override {
+        last = frame.pixels;
         const Stopwatch watch;
-        const FirePixels::Flames flames = find(ViewOf(picture));
+        const FirePixels::Flames flames = find(ViewOf(last));
         milliseconds = watch.Milliseconds();
         region = CloneOf(flames);
         share = ShareOf(region);
@@ -58,21 +58,22 @@ private:
     double milliseconds = 0;
 };
 
-int Run(const PictureOptions& options) {
-    CheckAnnotated(options);
-    Fire verb;
-    return RunOverPictures(options, "fire", verb);
-}
-
 }  // namespace
+
+FrameOperation FireOperation() {
+    return {"fire", "Finds the region of pictures that has the colours of a flame",
+            [](CLI::App& /*command*/) { return [] { return std::make_unique<Fire>(); }; }};
+}
 
 Verb AddFire(CLI::App& commandLine) {
     const auto options = std::make_shared<PictureOptions>();
-    CLI::App* const command =
-        commandLine.add_subcommand("fire", "Finds the region of pictures that has the colours of a flame");
-    command->footer(kFooter);
+    CLI::App* const command = AddCommand(commandLine, FireOperation(), kFooter);
     AddPictureOptions(*command, *options, "Pictures to search", "the region outlined");
-    return {command, [options] { return Run(*options); }};
+    return {command, [options] {
+                CheckAnnotated(*options);
+                Fire verb;
+                return RunOverPictures(*options, "fire", verb);
+            }};
 }
 
 }  // namespace quarry::host

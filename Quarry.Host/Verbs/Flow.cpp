@@ -39,11 +39,10 @@ Examples:
   quarry flow street.avi --line 0.1,0.6,0.9,0.6 --values 64 --plot crossing.svg --json)";
 
 struct Options {
-    VideoOptions video;
     DenseOpticalFlow::Options flow;
-    double scale = 5;  ///< pixels per frame that are shown at full brightness
     std::optional<RelLine> line;
     int values = 32;
+    double scale = 5;  ///< pixels per frame that are shown at full brightness
     std::string plot;  ///< empty: not wanted
 };
 
@@ -68,6 +67,8 @@ public:
         if (options.line) {
             const OpticalFlowLine::Values values = measure(field, *options.line, options.values);
             across.assign(values.begin(), values.end());
+        }
+        if (!options.plot.empty()) {
             strip.x.push_back(frame.seconds);
             strip.columns.push_back(across);
         }
@@ -112,12 +113,12 @@ private:
     std::vector<double> milliseconds;
 };
 
-int Run(const Options& options) {
-    CheckIsNotAnInput("--plot", options.plot, {options.video.video});
+int Run(const VideoOptions& video, const Options& options) {
+    CheckIsNotAnInput("--plot", options.plot, {video.video});
     std::optional<TextFile> plot;
     if (!options.plot.empty()) plot.emplace(options.plot);
     Flow verb(options);
-    const int exitCode = RunOverVideo(options.video, "flow", verb);
+    const int exitCode = RunOverVideo(video, "flow", verb);
     if (plot) plot->Write(StandaloneSvg(verb.motionOverTime()));
     return exitCode;
 }
@@ -127,36 +128,45 @@ RelLine LineOf(const std::string& text) {
     return {{x1, y1}, {x2, y2}};
 }
 
-}  // namespace
-
-Verb AddFlow(CLI::App& commandLine) {
-    const auto options = std::make_shared<Options>();
-    CLI::App* const command = commandLine.add_subcommand(
-        "flow", "How everything in a video moves: dense optical flow, and the motion across a line");
-    command->footer(kFooter);
-    AddVideoOptions(*command, options->video, "its motion in colour");
+Beginning AddOwnOptions(CLI::App& command, const std::shared_ptr<Options>& options) {
     command
-        ->add_option("--detail", options->flow.detail,
-                     "How small the things are that may move on their own (default: about 0.45)")
+        .add_option("--detail", options->flow.detail,
+                    "How small the things are that may move on their own (default: about 0.45)")
         ->check(Within(0, 1));
-    command->add_option("--quality", options->flow.quality, "How much work is done (default: about 0.5)")
+    command.add_option("--quality", options->flow.quality, "How much work is done (default: about 0.5)")
         ->check(Within(0, 1));
-    command->add_option("--scale", options->scale, "Pixels per frame that are shown at full brightness")
-        ->check(Within(0.01, 1000))
-        ->capture_default_str();
     CLI::Option* const line = command
-                                  ->add_option_function<std::string>(
+                                  .add_option_function<std::string>(
                                       "--line", [options](const std::string& text) { options->line = LineOf(text); },
                                       "Measure the motion across this line, in fractions of width and height")
                                   ->type_name("X1,Y1,X2,Y2");
-    command->add_option("--values", options->values, "Values along the line")
+    command.add_option("--values", options->values, "Values along the line")
         ->check(Within(1, 100'000))
         ->capture_default_str()
         ->needs(line);
+    return [options] { return std::make_unique<Flow>(*options); };
+}
+
+}  // namespace
+
+FrameOperation FlowOperation() {
+    return {"flow", "How everything in a video moves: dense optical flow, and the motion across a line",
+            [](CLI::App& command) { return AddOwnOptions(command, std::make_shared<Options>()); }};
+}
+
+Verb AddFlow(CLI::App& commandLine) {
+    const auto video = std::make_shared<VideoOptions>();
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = AddCommand(commandLine, FlowOperation(), kFooter);
+    AddVideoOptions(*command, *video, "its motion in colour");
+    AddOwnOptions(*command, options);
+    command->add_option("--scale", options->scale, "Pixels per frame that are shown at full brightness")
+        ->check(Within(0.01, 1000))
+        ->capture_default_str();
     command->add_option("--plot", options->plot, "Draw the motion across the line over time here")
         ->check(EndsIn({".svg"}))
-        ->needs(line);
-    return {command, [options] { return Run(*options); }};
+        ->needs(command->get_option("--line"));
+    return {command, [video, options] { return Run(*video, *options); }};
 }
 
 }  // namespace quarry::host

@@ -29,7 +29,6 @@ Examples:
   quarry occupancy mask.png --fill 0.5 --json)";
 
 struct Options {
-    VideoOptions input;
     cv::Size grid{16, 12};  ///< columns and rows
     ContourGrid::Options occupied = kUsualGrid;
 };
@@ -51,11 +50,10 @@ nlohmann::ordered_json RowsOf(const cv::Mat& cells) {
 
 class Occupancy : public FrameByFrame {
 public:
-    explicit Occupancy(const Options& options)
-        : grid(options.grid), shown(options.input.video), find(options.occupied) {}
+    explicit Occupancy(const Options& options) : grid(options.grid), find(options.occupied) {}
 
     void Take(const VideoFrame& frame) override {
-        if (frame.index == 0) CheckFits(grid, frame.pixels.size());
+        if (milliseconds.empty()) CheckFits(grid, frame.pixels.size());
         last = frame;
         const cv::Mat redFirst = RedFirst(shown.Take(frame));
         const Stopwatch watch;
@@ -78,7 +76,7 @@ public:
 
     cv::Mat Annotated() const override {
         return WithCaption(MarkCells(last.pixels, cells),
-                           shown.Place(last) + Format("%d of %d cells occupied", occupied, grid.area()));
+                           Shown::Place(last) + Format("%d of %d cells occupied", occupied, grid.area()));
     }
 
     std::string Summary() const override {
@@ -99,38 +97,38 @@ private:
     std::vector<double> milliseconds;  ///< of the grid alone
 };
 
-int Run(const Options& options) {
-    Occupancy verb(options);
-    return RunOverPictureOrVideo(options.input, "occupancy", verb);
-}
-
-}  // namespace
-
-Verb AddOccupancy(CLI::App& commandLine) {
+Beginning AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = commandLine.add_subcommand(
-        "occupancy",
-        "Which cells of a grid are occupied by what moves in a video, or by what is not black in a picture");
-    command->footer(kFooter);
-    AddPictureOrVideoOptions(*command, options->input, "the grid drawn");
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--grid",
             [options](const std::string& text) { options->grid = WidthAndHeight("--grid", text, "COLUMNSxROWS"); },
             "Columns and rows of the grid")
         ->type_name("COLUMNSxROWS")
         ->default_str(Format("%dx%d", options->grid.width, options->grid.height));
     command
-        ->add_option("--fill", options->occupied.cellFillRate,
-                     "A cell is occupied when more than this share of it is covered")
+        .add_option("--fill", options->occupied.cellFillRate,
+                    "A cell is occupied when more than this share of it is covered")
         ->check(Within(0, 1))
         ->capture_default_str();
     command
-        ->add_option("--min-area", options->occupied.minContourAreaRate,
-                     "Share of the frame that a thing must have to count")
+        .add_option("--min-area", options->occupied.minContourAreaRate,
+                    "Share of the frame that a thing must have to count")
         ->check(Within(0, 1))
         ->capture_default_str();
-    return {command, [options] { return Run(*options); }};
+    return [options] { return std::make_unique<Occupancy>(*options); };
+}
+
+}  // namespace
+
+FrameOperation OccupancyOperation() {
+    return {"occupancy",
+            "Which cells of a grid are occupied by what moves in a video, or by what is not black in a picture",
+            AddOwnOptions};
+}
+
+Verb AddOccupancy(CLI::App& commandLine) {
+    return AddPictureOrVideoVerb(commandLine, OccupancyOperation(), kFooter, "the grid drawn");
 }
 
 }  // namespace quarry::host

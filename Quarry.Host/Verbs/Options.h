@@ -38,6 +38,9 @@ std::array<float, 4> FourShares(const std::string& option, const std::string& te
 /// @throws CLI::ValidationError  it is not that, or it is empty or does not lie within the picture
 RelRect AreaOf(const std::string& option, const std::string& text);
 
+/// The type of an option whose value is a file that shapes the results.
+constexpr const char* kFileType = "FILE";
+
 /// Refuses to write over a file that is read.
 /// @param written  empty: nothing is written
 /// @throws CLI::ValidationError  it is one of the files that are read

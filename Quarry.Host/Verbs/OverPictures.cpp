@@ -19,7 +19,7 @@ public:
         for (const std::string& name : options.pictures) nameWidth = std::max(nameWidth, static_cast<int>(name.size()));
     }
 
-    void Write(const std::string& file, const cv::Mat& picture, const PictureByPicture& verb) {
+    void Write(const std::string& file, const cv::Mat& picture, const FrameByFrame& verb) {
         if (json) {
             nlohmann::ordered_json object = {{"file", file}, {"width", picture.cols}, {"height", picture.rows}};
             object.update(verb.Fields());
@@ -41,11 +41,11 @@ private:
 };
 
 /// What went wrong, empty when nothing did.
-std::string TakeOne(const std::string& file, PictureByPicture& verb, PictureFile* annotated, Output& output,
+std::string TakeOne(const std::string& file, FrameByFrame& verb, PictureFile* annotated, Output& output,
                     Progress& progress) {
     try {
         const cv::Mat picture = ReadPicture(file);
-        verb.Take(picture);
+        verb.Take({0, 0, 0, picture});
         if (annotated != nullptr) annotated->Write(verb.Annotated());
         progress.MakeWay();
         output.Write(file, picture, verb);
@@ -75,7 +75,7 @@ void CheckAnnotated(const PictureOptions& options) {
     CheckIsNotAnInput("--out", options.annotated, options.pictures);
 }
 
-int RunOverPictures(const PictureOptions& options, const std::string& label, PictureByPicture& verb) {
+int RunOverPictures(const PictureOptions& options, const std::string& label, FrameByFrame& verb) {
     std::optional<PictureFile> annotated;
     if (!options.annotated.empty()) annotated.emplace(options.annotated);
     Output output(options);

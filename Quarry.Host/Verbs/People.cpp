@@ -30,7 +30,6 @@ Example:
   quarry people street.avi --sensitivity 0.6 --area 0,0.4,1,0.6 --out street-people.avi)";
 
 struct Options {
-    VideoOptions video;
     PeopleDetector::Options detector{0.4F};
     std::vector<RelRect> areas;
 };
@@ -59,6 +58,7 @@ public:
             objects.push_back(JsonOf(places[i]));
             objects.back()["weight"] = (*people)[i].Weight;
         }
+        std::sort(objects.begin(), objects.end());  // they come in the order in which OpenCV's threads end
         return {{"people", objects}, {"milliseconds", milliseconds.back()}};
     }
 
@@ -82,34 +82,28 @@ private:
     std::vector<double> counts;  ///< of people, per frame
 };
 
-int Run(const Options& options) {
+std::unique_ptr<FrameByFrame> Begin(const Options& options) {
     if (options.detector.maxHeight < options.detector.minHeight) {
         throw CLI::ValidationError("--max-size", Format("must be at least --min-size, %g, not %g",
                                                         options.detector.minHeight, options.detector.maxHeight));
     }
-    People verb(options);
-    return RunOverVideo(options.video, "people", verb);
+    return std::make_unique<People>(options);
 }
 
-}  // namespace
-
-Verb AddPeople(CLI::App& commandLine) {
+Beginning AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = commandLine.add_subcommand("people", "Finds standing and walking people in a video");
-    command->footer(kFooter);
-    AddVideoOptions(*command, options->video, "rectangles around the people");
     PeopleDetector::Options& detector = options->detector;
-    command->add_option("--sensitivity", detector.sensitivity, "How finely, and how slowly, is searched")
+    command.add_option("--sensitivity", detector.sensitivity, "How finely, and how slowly, is searched")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command->add_option("--min-size", detector.minHeight, "Lowest person, as a share of the frame's height")
+    command.add_option("--min-size", detector.minHeight, "Lowest person, as a share of the frame's height")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command->add_option("--max-size", detector.maxHeight, "Highest person, as a share of the frame's height")
+    command.add_option("--max-size", detector.maxHeight, "Highest person, as a share of the frame's height")
         ->check(Within(0, 1))
         ->capture_default_str();
     command
-        ->add_option_function<std::vector<std::string>>(
+        .add_option_function<std::vector<std::string>>(
             "--area",
             [options](const std::vector<std::string>& texts) {
                 for (const std::string& text : texts) options->areas.push_back(AreaOf("--area", text));
@@ -118,7 +112,17 @@ Verb AddPeople(CLI::App& commandLine) {
         ->expected(1)
         ->take_all()
         ->type_name("X,Y,WIDTH,HEIGHT");
-    return {command, [options] { return Run(*options); }};
+    return [options] { return Begin(*options); };
+}
+
+}  // namespace
+
+FrameOperation PeopleOperation() {
+    return {"people", "Finds standing and walking people in a video", AddOwnOptions};
+}
+
+Verb AddPeople(CLI::App& commandLine) {
+    return AddVideoVerb(commandLine, PeopleOperation(), kFooter, "rectangles around the people");
 }
 
 }  // namespace quarry::host

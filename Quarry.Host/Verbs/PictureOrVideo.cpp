@@ -3,6 +3,8 @@
 #include <Quarry/HostOpenCV.hpp>
 #include <filesystem>
 #include <iostream>
+#include <memory>
+#include <optional>
 
 #include "Console.h"
 #include "Foreground.h"
@@ -39,18 +41,14 @@ int RunOverPicture(const VideoOptions& options, FrameByFrame& verb) {
 
 }  // namespace
 
-Shown::Shown(const std::string& path) {
-    if (!IsPicture(path)) model.emplace();
-}
-
 cv::Mat Shown::Take(const VideoFrame& frame) {
-    if (!model) return frame.pixels;
-    model->Update(ViewOf(frame.pixels, frame.timestamp));
-    return OnBlack(frame.pixels, MatOf(model->Result().foreground()));
+    if (frame.timestamp == 0) return frame.pixels;
+    model.Update(ViewOf(frame.pixels, frame.timestamp));
+    return OnBlack(frame.pixels, MatOf(model.Result().foreground()));
 }
 
-std::string Shown::Place(const VideoFrame& frame) const {
-    return model ? Format("frame %d   %.2f s   ", frame.index, frame.seconds) : "";
+std::string Shown::Place(const VideoFrame& frame) {
+    return frame.timestamp == 0 ? "" : Format("frame %d   %.2f s   ", frame.index, frame.seconds);
 }
 
 void AddPictureOrVideoOptions(CLI::App& command, VideoOptions& options, const std::string& shown) {
@@ -67,6 +65,16 @@ int RunOverPictureOrVideo(const VideoOptions& options, const std::string& label,
     CheckEnding(options.annotated, still ? kPictureEndings : kVideoEndings);
     CheckIsNotAnInput("--out", options.annotated, {options.video});
     return still ? RunOverPicture(options, verb) : RunOverVideo(options, label, verb);
+}
+
+Verb AddPictureOrVideoVerb(CLI::App& commandLine, const FrameOperation& operation, const std::string& footer,
+                           const std::string& shown) {
+    const auto options = std::make_shared<VideoOptions>();
+    CLI::App* const command = AddCommand(commandLine, operation, footer);
+    AddPictureOrVideoOptions(*command, *options, shown);
+    const Beginning begin = operation.addOptions(*command);
+    return {command,
+            [options, begin, label = operation.name] { return RunOverPictureOrVideo(*options, label, *begin()); }};
 }
 
 }  // namespace quarry::host

@@ -4,7 +4,6 @@
 
 #include <Quarry/Host.hpp>
 #include <opencv2/core.hpp>
-#include <optional>
 #include <string>
 
 #include "Verbs/OverVideo.h"
@@ -14,17 +13,14 @@ namespace quarry::host {
 /// What is not black in a picture, and what moves in a video.
 class Shown {
 public:
-    /// @param path  of the picture or video
-    explicit Shown(const std::string& path);
-
     /// The frame with the rest black.
     cv::Mat Take(const VideoFrame& frame);
 
     /// What captions begin with.
-    std::string Place(const VideoFrame& frame) const;
+    static std::string Place(const VideoFrame& frame);
 
 private:
-    std::optional<BackgroundModel> model;  ///< of a video
+    BackgroundModel model;  ///< of a video
 };
 
 /// @param shown  what the annotated picture or video shows: "the grid drawn"
@@ -33,5 +29,10 @@ void AddPictureOrVideoOptions(CLI::App& command, VideoOptions& options, const st
 /// Plays the video as RunOverVideo does, or takes the picture as its only frame.
 /// @return the exit code
 int RunOverPictureOrVideo(const VideoOptions& options, const std::string& label, FrameByFrame& verb);
+
+/// The verb of an operation that has no options but its own and these.
+/// @param shown  as above
+Verb AddPictureOrVideoVerb(CLI::App& commandLine, const FrameOperation& operation, const std::string& footer,
+                           const std::string& shown);
 
 }  // namespace quarry::host

@@ -26,18 +26,14 @@ Examples:
   quarry sharpness *.jpg
   quarry sharpness --face 260,270,60,85 portrait.jpg --json)";
 
-struct Options {
-    PictureOptions pictures;
-    std::optional<FaceEllipse> face;
-};
-
 /// Measures whole pictures, or the face in them.
-class Sharpness : public PictureByPicture {
+class Sharpness : public FrameByFrame {
 public:
     explicit Sharpness(const std::optional<FaceEllipse>& face_) : face(face_) {}
 
-    void Take(const cv::Mat& picture) override {
-        variance = face ? measureFace(ViewOf(picture), *face) : measure(ViewOf(picture));
+    void Take(const VideoFrame& frame) override {
+        const ImageView pixels = ViewOf(frame.pixels);
+        variance = face ? measureFace(pixels, *face) : measure(pixels);
     }
 
     std::string TableHead() const override { return Format("%12s", "variance"); }
@@ -57,33 +53,38 @@ private:
     float variance = 0;
 };
 
-int Run(const Options& options) {
-    Sharpness verb(options.face);
-    return RunOverPictures(options.pictures, "sharpness", verb);
-}
-
 FaceEllipse FaceOf(const std::string& text) {
     const auto [x, y, halfWidth, halfHeight] = FourWholeNumbers("--face", text, "X,Y,WIDTH,HEIGHT");
     if (halfWidth < 0 || halfHeight < 0) throw CLI::ValidationError("--face", "a half-axis is negative in " + text);
     return {x, y, halfWidth, halfHeight};
 }
 
-}  // namespace
-
-Verb AddSharpness(CLI::App& commandLine) {
-    const auto options = std::make_shared<Options>();
-    CLI::App* const command = commandLine.add_subcommand(
-        "sharpness",
-        "How sharp pictures, or faces in them, are: the variance of their Laplacian, in squared grey levels");
-    command->footer(kFooter);
-    command->add_option("IMAGE", options->pictures.pictures, "Pictures to measure")->required();
+Beginning AddOwnOptions(CLI::App& command) {
+    const auto face = std::make_shared<std::optional<FaceEllipse>>();
     command
-        ->add_option_function<std::string>(
-            "--face", [options](const std::string& text) { options->face = FaceOf(text); },
+        .add_option_function<std::string>(
+            "--face", [face](const std::string& text) { *face = FaceOf(text); },
             "Measure the ellipse with this centre and these half-axes, in pixels")
         ->type_name("X,Y,WIDTH,HEIGHT");
-    command->add_flag("--json", options->pictures.json, "Write one JSON object per line instead of a table");
-    return {command, [options] { return Run(*options); }};
+    return [face] { return std::make_unique<Sharpness>(*face); };
+}
+
+}  // namespace
+
+FrameOperation SharpnessOperation() {
+    return {"sharpness",
+            "How sharp pictures, or faces in them, are: the variance of their Laplacian, in squared grey levels",
+            AddOwnOptions};
+}
+
+Verb AddSharpness(CLI::App& commandLine) {
+    const auto options = std::make_shared<PictureOptions>();
+    const FrameOperation operation = SharpnessOperation();
+    CLI::App* const command = AddCommand(commandLine, operation, kFooter);
+    command->add_option("IMAGE", options->pictures, "Pictures to measure")->required();
+    const Beginning begin = operation.addOptions(*command);
+    command->add_flag("--json", options->json, "Write one JSON object per line instead of a table");
+    return {command, [options, begin] { return RunOverPictures(*options, "sharpness", *begin()); }};
 }
 
 }  // namespace quarry::host

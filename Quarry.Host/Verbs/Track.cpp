@@ -29,7 +29,6 @@ Example:
 constexpr int kSmallestSide = 2;  // pixels
 
 struct Options {
-    VideoOptions video;
     cv::Rect target;
     uint32_t mode = 0;
 };
@@ -94,29 +93,29 @@ cv::Rect TargetOf(const std::string& text) {
     return {x, y, width, height};
 }
 
-int Run(const Options& options) {
-    Tracking verb(options);
-    return RunOverVideo(options.video, "track", verb);
-}
-
-}  // namespace
-
-Verb AddTrack(CLI::App& commandLine) {
+Beginning AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = commandLine.add_subcommand(
-        "track", "Follows one target through a video, from a rectangle in the first frame that is read");
-    command->footer(kFooter);
-    AddVideoOptions(*command, options->video, "the rectangle drawn");
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--rect", [options](const std::string& text) { options->target = TargetOf(text); },
             "The target in the first frame, in pixels")
         ->type_name("X,Y,WIDTH,HEIGHT")
         ->required();
-    command->add_option("--mode", options->mode, "0: careful; 1: adapts faster, content with a weaker match")
+    command.add_option("--mode", options->mode, "0: careful; 1: adapts faster, content with a weaker match")
         ->check(CLI::IsMember({"0", "1"}))
         ->capture_default_str();
-    return {command, [options] { return Run(*options); }};
+    return [options] { return std::make_unique<Tracking>(*options); };
+}
+
+}  // namespace
+
+FrameOperation TrackOperation() {
+    return {"track", "Follows one target through a video, from a rectangle in the first frame that is read",
+            AddOwnOptions};
+}
+
+Verb AddTrack(CLI::App& commandLine) {
+    return AddVideoVerb(commandLine, TrackOperation(), kFooter, "the rectangle drawn");
 }
 
 }  // namespace quarry::host

@@ -5,6 +5,8 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
+#include "Verbs/FrameByFrame.h"
+
 namespace quarry::host {
 
 struct Verb {
@@ -35,5 +37,18 @@ Verb AddFire(CLI::App& commandLine);
 Verb AddDemo(CLI::App& commandLine);
 Verb AddList(CLI::App& commandLine);
 Verb AddDescribe(CLI::App& commandLine);
+Verb AddScan(CLI::App& commandLine);
+Verb AddMerge(CLI::App& commandLine);
+
+FrameOperation SharpnessOperation();
+FrameOperation BackgroundOperation();
+FrameOperation TrackOperation();
+FrameOperation FlowOperation();
+FrameOperation ContoursOperation();
+FrameOperation OccupancyOperation();
+FrameOperation ClustersOperation();
+FrameOperation PeopleOperation();
+FrameOperation DetectOperation();
+FrameOperation FireOperation();
 
 }  // namespace quarry::host

@@ -1,9 +1,9 @@
 """Checks the command lines of a shell block: commands.py QUARRY DEV BLOCK
 
 Lines of `quarry` are run where none of their files is: the command checks verb, options and values before it opens a
-file, and tells a wrong usage (exit code 2) from a missing file (1). That takes no time and needs no footage; the verbs
-have tests of their own. Verbs of `./dev` must be those that it lists, since it installs and builds. Other programs are
-not ours.
+file, and tells a wrong usage (exit code 2) from a missing file (1, or 75 of `quarry scan`). That takes no time and
+needs no footage; the verbs have tests of their own. Verbs of `./dev` must be those that it lists, since it installs and
+builds. Other programs are not ours.
 """
 
 import pathlib
@@ -18,7 +18,7 @@ def usage_error(quarry, line):
     words = shlex.split(re.split("[>|]", line)[0], comments=True)
     with tempfile.TemporaryDirectory() as empty:
         run = subprocess.run([quarry, *words[1:]], cwd=empty, capture_output=True, text=True)
-    return run.stderr if run.returncode not in (0, 1) else ""
+    return run.stderr if run.returncode not in (0, 1, 75) else ""
 
 
 def main(quarry, dev, block):

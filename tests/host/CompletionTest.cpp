@@ -61,6 +61,16 @@ TEST_F(QuarryCommand, CompletionOffersTheOperationsThatCanBeDescribed) {
     EXPECT_EQ(Offered({"describe", "--json", "mosse"}), Words{"mosse-tracker"});
 }
 
+TEST_F(QuarryCommand, CompletionOffersTheOperationsOfScanAndTheOptionsOfBoth) {
+    EXPECT_EQ(Offered({"scan", "s"}), Words{"sharpness"});
+    EXPECT_EQ(Offered({"scan", "--manifest", "videos", "f"}), (Words{"fire", "flow"}));
+    EXPECT_EQ(Offered({"scan", "--ma"}), Words{"--manifest"});
+    EXPECT_EQ(Offered({"scan", "track", "--m"}), (Words{"--manifest", "--mode"}));
+    EXPECT_EQ(Offered({"track", "--m"}), Words{"--mode"});
+    EXPECT_EQ(Offered({"scan", "track", "t"}), Words{});
+    EXPECT_EQ(Offered({"scan", "--manifest", "f"}), Words{}) << "a file";
+}
+
 TEST_F(QuarryCommand, CompletionLeavesFilesToTheShell) {
     EXPECT_EQ(Offered({"sharpness", ""}), Words{});
     EXPECT_EQ(Offered({"track", "clip.avi", "--out", "tra"}), Words{});

@@ -15,9 +15,10 @@ TEST_F(QuarryCommand, HelpNamesTheVerbsAndTheirOptions) {
     const Outcome outcome = Run({"--help"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.err, "");
-    for (const char* const verb : {"sharpness", "diff",      "similarity", "denoise", "background", "track", "flow",
-                                   "contours",  "occupancy", "clusters",   "inside",  "shape-rate", "rect",  "clothing",
-                                   "colours",   "align",     "rotate",     "detect",  "people",     "fire",  "demo"}) {
+    for (const char* const verb :
+         {"sharpness", "diff",     "similarity", "denoise",    "background", "track",    "flow",    "contours",
+          "occupancy", "clusters", "inside",     "shape-rate", "rect",       "clothing", "colours", "align",
+          "rotate",    "detect",   "people",     "fire",       "demo",       "scan",     "merge"}) {
         EXPECT_NE(outcome.out.find(verb), std::string::npos) << verb;
         EXPECT_EQ(Run({verb, "--help"}).exitCode, 0) << verb;
     }
