@@ -15,7 +15,7 @@ import tempfile
 
 
 def usage_error(quarry, line):
-    words = shlex.split(re.split("[>|]", line)[0], comments=True)
+    words = shlex.split(re.sub(r"\$\w+", "1", re.split("[>|]", line)[0]), comments=True)  # variables hold numbers
     with tempfile.TemporaryDirectory() as empty:
         run = subprocess.run([quarry, *words[1:]], cwd=empty, capture_output=True, text=True)
     return run.stderr if run.returncode not in (0, 1, 75) else ""

@@ -1,0 +1,79 @@
+"""An archive on a Dask cluster: one task per video, done by `quarry scan` where a worker runs.
+
+Workers need Dask and the command, but not this package: what runs there travels with the tasks.
+"""
+
+import os
+import subprocess
+import sys
+from typing import NamedTuple
+
+import cloudpickle
+from distributed import as_completed
+
+__all__ = ["Outcome", "scan"]
+
+# Exit codes that stay as they are however often the command is run; all others may be better the next time.
+FINE, WRONG_USAGE, BAD_VIDEO, BUG = 0, 2, 65, 70
+
+cloudpickle.register_pickle_by_value(sys.modules[__name__])
+
+
+class Outcome(NamedTuple):
+    """What became of one video. Its output says what is wrong with a bad one."""
+
+    name: str
+    code: int
+    outcome: str  # "fine" or "bad"
+
+
+def scan(client, videos, operation, *, out, retries=3, command="quarry", **options):
+    """Runs an operation on each video and returns an `Outcome` for each, in their order.
+
+    Videos and `out` are paths as the client sees them, relative to its working directory; workers see the same files
+    below the same paths. `options` are those of the verb: `detail=0.3` is `--detail=0.3`, `True` stands for a flag, a
+    tuple for values with commas.
+
+    A command that could not read or write, was killed or lacked memory is run again, up to `retries` times; what fails
+    even then is raised when all other videos are done. Wrong usage and bugs are raised at once. Bad videos are results.
+    """
+    names = [os.fspath(video) for video in videos]
+    for name in names:
+        if not name or name.startswith("#") or "\n" in name:
+            raise ValueError(f"a line of a manifest cannot name this video: {name!r}")
+    line = [command, "scan", operation, *_arguments(options), "--manifest", "-", "--out", os.fspath(out)]
+    tasks = client.map(_scan_one, names, line=line, folder=os.getcwd(), key=f"quarry-{operation}", pure=False,
+                       retries=retries)
+    try:
+        for task, result in as_completed(tasks, with_results=True, raise_errors=False):
+            if task.status == "finished" and result[0] in (WRONG_USAGE, BUG):
+                raise RuntimeError(_failure(*result))
+        codes = [code for code, _ in client.gather(tasks)]
+    except BaseException:
+        client.cancel(tasks)
+        raise
+    return [Outcome(name, code, "bad" if code == BAD_VIDEO else "fine") for name, code in zip(names, codes)]
+
+
+def _arguments(options):
+    for name, value in options.items():
+        option = "--" + name.replace("_", "-")
+        if value is True:
+            yield option
+        elif isinstance(value, (list, tuple)):
+            yield f"{option}={','.join(map(str, value))}"
+        elif value is not None and value is not False:
+            yield f"{option}={value}"
+
+
+def _scan_one(name, line, folder):
+    # A worker that is lost takes its command with it: its videos are given to others.
+    run = subprocess.run(["setpriv", "--pdeathsig", "TERM", "--", *line], cwd=folder, input=name + "\n",
+                         stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+    if run.returncode not in (FINE, WRONG_USAGE, BAD_VIDEO, BUG):
+        raise RuntimeError(_failure(run.returncode, run.stderr))
+    return run.returncode, run.stderr
+
+
+def _failure(code, said):
+    return f"exit code {code}: {said.strip()}"
