@@ -11,10 +11,10 @@ namespace {
 /// The handle as a Kind (InvokableProcessor or InvokableUpdater).
 template <class Kind>
 Kind& HandleAs(void* handle, const char* kind) {
-    if (handle == nullptr) throw std::invalid_argument(std::string("handle is null; ") + kind + " handle is needed");
     auto* const invokable = dynamic_cast<Kind*>(static_cast<Invokable*>(handle));
     if (invokable == nullptr) {
-        throw std::invalid_argument(std::string("handle is of the wrong kind; ") + kind + " handle is needed");
+        const char* const fault = handle == nullptr ? "null" : "of the wrong kind";
+        throw std::invalid_argument(std::string("handle is ") + fault + "; " + kind + " handle is needed");
     }
     return *invokable;
 }

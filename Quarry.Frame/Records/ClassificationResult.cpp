@@ -5,7 +5,9 @@
 #include "Quarry/Memory.h"
 
 ClassificationResult CreateClassificationResult(int count) {
-    return {0, count, count == 0 ? nullptr : quarry::NewArray<Response>(count).release()};
+    ClassificationResult result = {0, count, nullptr};
+    if (count != 0) result.Responses = quarry::NewArray<Response>(count).release();
+    return result;
 }
 
 ClassificationResult CreateClassificationResult(int count, RelRect* rects) {

@@ -32,7 +32,7 @@ constexpr PointLimits kLimits = {std::numeric_limits<int16_t>::min(), std::numer
                                  SimilarityTransform::kPoints};
 
 struct Options {
-    PictureOptions files;
+    OnePictureOptions files;
     std::string points;
     std::optional<cv::Size> size;  ///< none: that of the picture
 };

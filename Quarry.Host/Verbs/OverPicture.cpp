@@ -23,7 +23,7 @@ cv::Mat ReadPictureWithinLimits(const std::string& path) {
                                 kLongestSide));
 }
 
-void Write(const PictureOptions& options, const cv::Mat& made, double milliseconds) {
+void Write(const OnePictureOptions& options, const cv::Mat& made, double milliseconds) {
     if (options.json) {
         std::cout << JsonLine({{"file", options.picture},
                                {"out", options.out},
@@ -37,13 +37,13 @@ void Write(const PictureOptions& options, const cv::Mat& made, double millisecon
 
 }  // namespace
 
-void AddPictureOptions(CLI::App& command, PictureOptions& options, const std::string& result) {
+void AddPictureOptions(CLI::App& command, OnePictureOptions& options, const std::string& result) {
     command.add_option("PICTURE", options.picture, "Picture to read")->required();
     command.add_option("--out", options.out, "Write " + result + " here")->required()->check(EndsAsPicture());
     command.add_flag("--json", options.json, "Write one JSON object instead of text");
 }
 
-int RunOverPicture(const PictureOptions& options, const std::function<cv::Mat(const cv::Mat& picture)>& make) {
+int RunOverPicture(const OnePictureOptions& options, const std::function<cv::Mat(const cv::Mat& picture)>& make) {
     CheckIsNotAnInput("--out", options.out, {options.picture});
     const cv::Mat picture = ReadPictureWithinLimits(options.picture);
     PictureFile file(options.out);

@@ -9,7 +9,7 @@
 
 namespace quarry::host {
 
-struct PictureOptions {
+struct OnePictureOptions {
     std::string picture;
     std::string out;
     bool json = false;
@@ -17,10 +17,10 @@ struct PictureOptions {
 
 /// Adds PICTURE, --out and --json.
 /// @param result  what is written, for the help: "the turned picture"
-void AddPictureOptions(CLI::App& command, PictureOptions& options, const std::string& result);
+void AddPictureOptions(CLI::App& command, OnePictureOptions& options, const std::string& result);
 
 /// Reads the picture, writes what is made of it, and tells its size and the time that the making took.
 /// @return the exit code
-int RunOverPicture(const PictureOptions& options, const std::function<cv::Mat(const cv::Mat& picture)>& make);
+int RunOverPicture(const OnePictureOptions& options, const std::function<cv::Mat(const cv::Mat& picture)>& make);
 
 }  // namespace quarry::host

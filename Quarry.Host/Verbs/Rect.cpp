@@ -22,7 +22,7 @@ Example:
   quarry rect board.jpg --center 320,200 --size 180x90 --angle 30 --out part.png)";
 
 struct Options {
-    PictureOptions files;
+    OnePictureOptions files;
     TurnedRect rect;
     bool nearest = false;
 };

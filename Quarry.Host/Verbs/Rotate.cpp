@@ -20,7 +20,7 @@ Example:
   quarry rotate board.jpg --angle 30 --out board-turned.png)";
 
 struct Options {
-    PictureOptions files;
+    OnePictureOptions files;
     double angle = 0;
     double scale = 1;
 };

@@ -74,6 +74,19 @@ static void TellsOfACallOutOfTurn(void) {
     GuardDispose(handle);
 }
 
+static void GivesTheStateWhereItIsWanted(void) {
+    QUARRY_FRAMED(OFCOptions) flowOptions = {0, sizeof(OFCOptions), {0}, QUARRY_OPTIONS_TAG};
+    QUARRY_FRAMED(OFCData) frame = {0, sizeof(OFCData), {0}, QUARRY_INPUT_TAG};
+    void* handle = NULL;
+    int32_t state = -1;
+    frame.Record.Image = input.Record.Image;
+    Check(GuardCreateCVDenseOpticalFlowCalculator(&handle, &flowOptions.Record) == GuardOk, "an updater is created");
+    Check(GuardUpdate(handle, (UpdateData*)&frame.Record, NULL) == GuardOk, "the state may be unwanted");
+    Check(GuardUpdate(handle, (UpdateData*)&frame.Record, &state) == GuardOk, "and wanted");
+    Check(state == Ready, "and is that after both frames");
+    GuardDispose(handle);
+}
+
 static void TellsWhatOpenCVRefuses(void) {
     void* const handle = NewSharpness();
     input.Record.Image.data = NULL;
@@ -145,6 +158,7 @@ int main(void) {
     TellsOfAWrongFrame();
     TellsOfBadArguments();
     TellsOfACallOutOfTurn();
+    GivesTheStateWhereItIsWanted();
     TellsWhatOpenCVRefuses();
     TellsOfALackOfMemory();
     ReleasesTheGrid();
