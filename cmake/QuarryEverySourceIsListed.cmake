@@ -19,7 +19,7 @@ function(quarry_check_every_source_is_listed)
 
   file(GLOB_RECURSE present CONFIGURE_DEPENDS
     "${PROJECT_SOURCE_DIR}/Quarry.*/*.c*" "${PROJECT_SOURCE_DIR}/tests/*.c*" "${PROJECT_SOURCE_DIR}/benchmarks/*.c*"
-    "${PROJECT_SOURCE_DIR}/fuzz/*.c*")
+    "${PROJECT_SOURCE_DIR}/fuzz/*.c*" "${PROJECT_SOURCE_DIR}/bindings/*.c*")
   list(FILTER present INCLUDE REGEX "\\.(c|cpp)$")
   list(FILTER present EXCLUDE REGEX "^${PROJECT_SOURCE_DIR}/tests/install/sample/")  # a project of its own
   foreach(directory Quarry.Host tests benchmarks)
@@ -31,6 +31,9 @@ function(quarry_check_every_source_is_listed)
   endforeach()
   if(NOT QUARRY_BUILD_HOST)
     list(FILTER present EXCLUDE REGEX "^${PROJECT_SOURCE_DIR}/tests/host/")
+  endif()
+  if(NOT QUARRY_BUILD_PYTHON)
+    list(FILTER present EXCLUDE REGEX "^${PROJECT_SOURCE_DIR}/bindings/python/")
   endif()
   if(NOT QUARRY_BUILD_TESTS)
     list(FILTER present EXCLUDE REGEX "^${PROJECT_SOURCE_DIR}/fuzz/Replay")

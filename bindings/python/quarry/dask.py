@@ -6,10 +6,11 @@ Workers need Dask and the command, but not this package: what runs there travels
 import os
 import subprocess
 import sys
-from typing import NamedTuple
+from collections.abc import Iterable, Iterator
+from typing import Any, NamedTuple
 
 import cloudpickle
-from distributed import as_completed
+from distributed import Client, as_completed
 
 __all__ = ["Outcome", "scan"]
 
@@ -27,7 +28,16 @@ class Outcome(NamedTuple):
     outcome: str  # "fine" or "bad"
 
 
-def scan(client, videos, operation, *, out, retries=3, command="quarry", **options):
+def scan(
+    client: Client,
+    videos: Iterable[str | os.PathLike[str]],
+    operation: str,
+    *,
+    out: str | os.PathLike[str],
+    retries: int = 3,
+    command: str = "quarry",
+    **options: Any,
+) -> list[Outcome]:
     """Runs an operation on each video and returns an `Outcome` for each, in their order.
 
     Videos and `out` are paths as the client sees them, relative to its working directory; workers see the same files
@@ -55,7 +65,7 @@ def scan(client, videos, operation, *, out, retries=3, command="quarry", **optio
     return [Outcome(name, code, "bad" if code == BAD_VIDEO else "fine") for name, code in zip(names, codes)]
 
 
-def _arguments(options):
+def _arguments(options: dict[str, Any]) -> Iterator[str]:
     for name, value in options.items():
         option = "--" + name.replace("_", "-")
         if value is True:
@@ -66,7 +76,7 @@ def _arguments(options):
             yield f"{option}={value}"
 
 
-def _scan_one(name, line, folder):
+def _scan_one(name: str, line: list[str], folder: str) -> tuple[int, str]:
     # A worker that is lost takes its command with it: its videos are given to others.
     run = subprocess.run(["setpriv", "--pdeathsig", "TERM", "--", *line], cwd=folder, input=name + "\n",
                          stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
@@ -75,5 +85,5 @@ def _scan_one(name, line, folder):
     return run.returncode, run.stderr
 
 
-def _failure(code, said):
+def _failure(code: int, said: str) -> str:
     return f"exit code {code}: {said.strip()}"

@@ -1,0 +1,45 @@
+/// @file
+/// What adds the classes of the operations to the module, one function per family.
+#pragma once
+
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <string>
+
+#include "Arrays.h"
+#include "Locked.h"
+#include "Pixels.h"
+#include "Types.h"
+
+namespace quarry::python {
+
+void AddMeasures(py::module_& module);
+void AddFrames(py::module_& module);
+void AddContours(py::module_& module);
+void AddDetectors(py::module_& module);
+void AddUpdaters(py::module_& module);
+
+/// The class of an operation.
+template <class Operation>
+py::class_<Locked<Operation>> Class(py::module_& module, const char* name, const char* doc) {
+    const std::string refusal =
+        std::string("a quarry.") + name + " cannot be pickled or copied; create one where it is used";
+    return py::class_<Locked<Operation>>(module, name, doc)
+        .def(
+            "__reduce__", [refusal](const py::object& /*self*/) -> py::tuple { throw py::type_error(refusal); },
+            "Refuses: the library's state cannot be taken elsewhere.");
+}
+
+/// The constructor of an operation without options.
+template <class Operation>
+auto Plain() {
+    return py::init([] { return std::make_unique<Locked<Operation>>(); });
+}
+
+/// The argument that all take that read pixels.
+inline py::arg_v Copy() {
+    return py::arg("copy") = false;
+}
+
+}  // namespace quarry::python

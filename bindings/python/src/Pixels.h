@@ -1,0 +1,82 @@
+/// @file
+/// Pixels and points of Python as the library reads them.
+#pragma once
+
+#include <pybind11/numpy.h>
+
+#include <array>
+#include <cstdint>
+
+#include "Quarry/Host/Views.hpp"
+
+namespace quarry::python {
+
+namespace py = pybind11;
+
+/// An array whose elements the library reads where they are, kept for the time of a call.
+class Pixels {
+public:
+    /// @param name      of the argument, for messages
+    /// @param channels  elements per pixel; 1 stands for an array of height and width alone
+    /// @param copy      whether to copy elements that are not packed
+    /// @throws std::invalid_argument  the array is of another type or shape, or not packed
+    Pixels(const char* name, const py::array& given, const py::dtype& element, int channels, bool copy);
+
+    int height() const { return static_cast<int>(packed.shape(0)); }
+    int width() const { return static_cast<int>(packed.shape(1)); }
+    const void* data() const { return packed.data(); }
+
+private:
+    py::array packed;
+};
+
+/// Whether a frame may have no pixels.
+enum class Empty { Refused, Allowed };
+
+/// A frame: (height, width, 3) of uint8.
+class Frame : Pixels {
+public:
+    Frame(const char* name, const py::array& given, bool copy, Empty empty = Empty::Refused, uint64_t timestamp = 0);
+    operator ImageView() const { return view; }
+
+private:
+    ImageView view;
+};
+
+/// A mask: (height, width) of uint8.
+class MaskPixels : Pixels {
+public:
+    MaskPixels(const char* name, const py::array& given, bool copy);
+    operator MaskView() const { return view; }
+
+private:
+    MaskView view;
+};
+
+/// A motion field: (height, width, 2) of float32.
+class Field : Pixels {
+public:
+    Field(const char* name, const py::array& given, bool copy);
+    operator FlowView() const { return view; }
+
+private:
+    FlowView view;
+};
+
+/// Floats, converted from whatever numpy can make them of.
+using Floats = py::array_t<float, py::array::c_style | py::array::forcecast>;
+
+/// The rows of (N, 2).
+/// @throws std::invalid_argument  the array is of another shape
+Span<FloatPoint> PointsIn(const char* name, const Floats& given);
+
+/// The values of (N,).
+/// @throws std::invalid_argument  the array is of another shape
+Span<float> ValuesIn(const char* name, const Floats& given);
+
+/// x, y, width, height.
+inline RelRect RectOf(const std::array<float, 4>& given) {
+    return {given[0], given[1], given[2], given[3]};
+}
+
+}  // namespace quarry::python
