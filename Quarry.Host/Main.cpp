@@ -1,6 +1,8 @@
 /// @file
 /// The `quarry` command: the library's operations on pictures and videos.
 #include <Quarry/Version.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -35,7 +37,16 @@ int RunChosen(const std::vector<Verb>& verbs) {
     throw CLI::ParseError("a verb is required; quarry --help lists them", CLI::ExitCodes::RequiredError);
 }
 
+/// Takes the places of standard streams that are closed; a video that is opened there ends when stderr is silenced.
+void OccupyStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The wrong way round: reading and writing fail as before.
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
 int Main(int argc, char** argv) {
+    OccupyStandardStreams();
     cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
     CLI::App app{"Quarry: computer vision on pictures and videos", "quarry"};
     app.set_version_flag("--version", "quarry " QUARRY_VERSION);

@@ -4,12 +4,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <set>
 #include <system_error>
 
 #include "Console.h"
+#include "Verbs/Options.h"
 
 namespace quarry::host {
 namespace {
@@ -44,7 +47,8 @@ fs::path OutputOf(const std::string& name) {
 std::vector<std::string> NamesBelow(const fs::path& folder) try {
     std::vector<std::string> names;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-        if (IsNamedAsVideo(entry.path()) && !entry.is_directory()) {
+        std::error_code ignored;  // a link that leads nowhere is a video that cannot be read
+        if (IsNamedAsVideo(entry.path()) && !entry.is_directory(ignored)) {
             names.push_back(entry.path().lexically_relative(folder).string());
         }
     }
@@ -56,6 +60,7 @@ std::vector<std::string> NamesBelow(const fs::path& folder) try {
 std::vector<std::string> NamesIn(std::istream& stream, const std::string& manifest) {
     std::vector<std::string> names;
     for (std::string line; std::getline(stream, line);) {
+        if (names.empty() && line.rfind("\xEF\xBB\xBF", 0) == 0) Refuse(manifest, "begins with a byte order mark");
         if (!line.empty() && line[0] != '#') names.push_back(line);
     }
     if (stream.bad()) throw Failure(manifest + ": cannot be read in full");
@@ -69,6 +74,7 @@ std::vector<ArchivedVideo> ReadManifest(const std::string& manifest) {
     fs::path base;
     if (manifest == "-") {
         names = NamesIn(std::cin, "standard input");
+        if (std::ferror(stdin) != 0) throw Failure("standard input: cannot be read in full");  // std::cin does not tell
     } else if (fs::is_directory(manifest)) {
         base = manifest;
         names = NamesBelow(base);
@@ -81,12 +87,24 @@ std::vector<ArchivedVideo> ReadManifest(const std::string& manifest) {
     std::sort(names.begin(), names.end());
     std::vector<ArchivedVideo> videos;
     std::map<fs::path, std::string> known;
+    std::set<std::string> replaced;
     for (const std::string& name : names) {
         if (HoldsControlCharacters(name)) Refuse(name, "holds a control character");
         const fs::path output = OutputOf(name);
         const auto [other, isNew] = known.emplace(output, name);
         if (!isNew) Refuse(name, other->second == name ? "stands there twice" : "is the same as " + other->second);
+        const std::string shown = JsonLine(name);
+        if (shown.find("\uFFFD") != std::string::npos && !replaced.insert(shown).second) {
+            Refuse(name, "is not UTF-8, and cannot be told from another such name in the lines");
+        }
         videos.push_back({name, fs::absolute(base / name), output});
+    }
+    for (const ArchivedVideo& video : videos) {
+        if (video.output.string().find(".jsonl/") == std::string::npos) continue;
+        for (fs::path folder = video.output.parent_path(); !folder.empty(); folder = folder.parent_path()) {
+            const auto inTheWay = known.find(folder);
+            if (inTheWay != known.end()) Refuse(video.name, "lies below the output of " + inTheWay->second);
+        }
     }
     return videos;
 }

@@ -1,6 +1,7 @@
 #include "Archive/VideoLines.h"
 
 #include <cstddef>
+#include <system_error>
 
 #include "Console.h"
 #include "Verbs/Options.h"
@@ -32,6 +33,8 @@ void VideoLines::Finish(const std::string& error) {
 }
 
 std::optional<FinishedLines> ReadFinished(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) return std::nullopt;  // a pipe would be waited for
     std::ifstream stream(path, std::ios::binary);
     FinishedLines lines;
     std::string last;

@@ -2,8 +2,10 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <cmath>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -75,10 +77,14 @@ void SetShard(Options& options, const std::string& text) {
     throw CLI::ValidationError("--shard", "must be I/N, whole numbers with I from 1 to N, not " + text);
 }
 
-/// A number where the text is one: 0.5 and 0.50 are the same option.
+/// A number where the text is one: 0.5 and 0.50 are the same option, and so are 10 and 10.0.
 nlohmann::ordered_json ValueOf(const std::string& text) {
-    nlohmann::ordered_json number = nlohmann::ordered_json::parse(text, nullptr, false);
-    return number.is_number() ? number : nlohmann::ordered_json(text);
+    const nlohmann::ordered_json value = nlohmann::ordered_json::parse(text, nullptr, false);
+    if (!value.is_number()) return text;
+    const auto number = value.get<double>();
+    constexpr double kMost = 1e15;  // up to which all whole numbers are exact
+    const bool isWhole = std::abs(number) < kMost && std::trunc(number) == number;
+    return isWhole ? nlohmann::ordered_json(static_cast<int64_t>(number)) : value;
 }
 
 /// Null where it was not given and the default depends on the video or is the library's own.

@@ -144,6 +144,32 @@ TEST_F(ScanFailures, APipeIsNotWaitedFor) {
     ExpectTrouble(Scan("sharpness", "lines"), kAgain, {"pipe.avi: not a file", "0 done, 0 skipped, 0 bad, 1 failed"});
 }
 
+TEST_F(ScanFailures, APipeInPlaceOfAnOutputIsReplaced) {
+    WriteVideos({"a.avi"});
+    fs::create_directory(folder / "lines");
+    ASSERT_EQ(mkfifo((folder / "lines/a.avi.jsonl").c_str(), 0600), 0);
+    ExpectOneLineError({"merge", "lines"}, 1, "lines/a.avi.jsonl: not the finished lines of a video");
+    EXPECT_EQ(Scan("sharpness", "lines").exitCode, 0);
+    EXPECT_EQ(LinesOf("lines/a.avi.jsonl").size(), 3U + 2U);
+}
+
+TEST_F(ScanFailures, ClosedStandardStreamsChangeNothing) {
+    WriteVideo("videos/long.avi", 100, {320, 240});
+    ASSERT_EQ(Scan("sharpness", "whole").exitCode, 0);
+    const std::vector<std::vector<int>> choices = {{0}, {1}, {2}, {0, 1}, {0, 2}, {1, 2}, {0, 1, 2}};
+    for (const std::vector<int>& closed : choices) {
+        const std::string out = "lines" + testing::PrintToString(closed);
+        const pid_t child = fork();
+        if (child == 0) {
+            if (chdir(folder.c_str()) != 0) _exit(126);
+            for (const int stream : closed) close(stream);
+            Execute(ScanArguments("sharpness", out));
+        }
+        EXPECT_EQ(ExitCodeOf(child), 0) << out;
+        EXPECT_EQ(Merged(out), Merged("whole")) << out;
+    }
+}
+
 TEST_F(ScanFailures, AnOutputThatCannotBeWrittenIsTriedAgain) {
     WriteVideos({"a.avi", "deep/b.avi"});
     WriteText("file", "in the way");

@@ -19,8 +19,12 @@ protected:
 
     Outcome ScanWithInput(const std::string& input, const std::string& out) const {
         WriteText("input", input);
+        return ScanWithInputFrom(folder / "input", out);
+    }
+
+    Outcome ScanWithInputFrom(const fs::path& input, const std::string& out) const {
         const int before = dup(STDIN_FILENO);
-        const int file = open((folder / "input").c_str(), O_RDONLY);
+        const int file = open(input.c_str(), O_RDONLY);
         dup2(file, STDIN_FILENO);  // the command inherits it
         Outcome outcome = Scan("sharpness", out, {"--manifest", "-"});
         dup2(before, STDIN_FILENO);
@@ -107,6 +111,44 @@ TEST_F(ScanManifest, NamesThatLeadOutOrHoldControlCharactersAreRefused) {
     ExpectRefusal("a.avi\r\n", "a.avi : holds a control character");
     ExpectRefusal("a\tb.avi\n", "a\tb.avi: holds a control character");
     ExpectRefusal("a\x7F.avi\n", "a\x7F.avi: holds a control character");
+}
+
+TEST_F(ScanManifest, AByteOrderMarkIsRefused) {
+    WriteVideos({"a.avi"});
+    ExpectRefusal(
+        "\xEF\xBB\xBF"
+        "a.avi\n",
+        "videos/list.txt: begins with a byte order mark");
+    ExpectRefusal("\xEF\xBB\xBF# the wanted ones\na.avi\n", "videos/list.txt: begins with a byte order mark");
+}
+
+TEST_F(ScanManifest, NamesThatTheLinesCannotTellApartAreRefused) {
+    const std::string reason = ": is not UTF-8, and cannot be told from another such name in the lines";
+    ExpectRefusal("caf\xE8.avi\ncaf\xE9.avi\n", "caf\xE9.avi" + reason);
+}
+
+TEST_F(ScanManifest, AFolderNamedAsAnOutputIsRefused) {
+    ExpectRefusal("a.avi\na.avi.jsonl/deep/b.avi\n", "a.avi.jsonl/deep/b.avi: lies below the output of a.avi");
+    fs::create_directories(folder / "videos/a.avi.jsonl");
+    WriteVideos({"a.avi.jsonl/b.avi", "c.avi"});
+    WriteText("videos/list.txt", "a.avi.jsonl/b.avi\nc.avi\n");
+    EXPECT_EQ(Scan("sharpness", "lines", {"--manifest", "videos/list.txt"}).exitCode, 0);
+    EXPECT_EQ(FilesBelow("lines"), (Names{"a.avi.jsonl/b.avi.jsonl", "c.avi.jsonl"}));
+}
+
+TEST_F(ScanManifest, ALinkThatLeadsNowhereKeepsNoOtherVideoBack) {
+    WriteVideos({"a.avi"});
+    fs::create_symlink("loop.avi", folder / "videos/loop.avi");
+    fs::create_symlink("none", folder / "videos/none.avi");
+    const Outcome outcome = Scan("sharpness", "lines");
+    EXPECT_EQ(outcome.exitCode, 75);
+    EXPECT_EQ(Lines(outcome.err).back(), "quarry: 1 done, 0 skipped, 0 bad, 2 failed");
+}
+
+TEST_F(ScanManifest, StandardInputThatCannotBeReadIsNotAnEmptyManifest) {
+    const Outcome outcome = ScanWithInputFrom(folder, "lines");
+    EXPECT_EQ(outcome.exitCode, 75);
+    EXPECT_EQ(outcome.err, "quarry: standard input: cannot be read in full\n");
 }
 
 TEST_F(ScanManifest, TheSameVideoTwiceIsRefused) {

@@ -122,6 +122,8 @@ TEST_F(ScanCommand, TheFirstLineHasAllOptionsInAFixedOrder) {
     WriteVideo("videos/clip.avi", 2, {160, 140});
     const std::vector<std::pair<Arguments, std::string>> calls = {
         {{"background"}, R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":4,"frames":null,"every":1})"},
+        {{"background", "--adaptation", "10.0", "--speedup", "40e-1", "--sensitivity", "5e-1"},
+         R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":4,"frames":null,"every":1})"},
         {{"background", "--speedup", "2", "--every", "2", "--sensitivity", "0.50", "--frames", ":9"},
          R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":2,"frames":":9","every":2})"},
         {{"track", "--rect=-1,2,30,40"}, R"({"rect":"-1,2,30,40","mode":0,"frames":null,"every":1})"},

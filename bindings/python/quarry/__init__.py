@@ -5,6 +5,7 @@ are, without a copy, and must not change during the call. Results of processors 
 buffers, which are given back with the last reference; results of updaters are copies.
 
 Calls release the interpreter's lock: threads with an object each run side by side, threads that share one take turns.
+Sub-interpreters are refused.
 """
 
 from quarry._quarry import (

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <opencv2/core.hpp>
+#include <utility>
 
 #include "Quarry/MarshalingException.h"
 #include "Types.h"
@@ -21,7 +22,7 @@ void Raise(const py::object& error) {
 void TranslateErrors() {
     py::register_exception_translator([](std::exception_ptr failure) {
         try {
-            if (failure) std::rethrow_exception(failure);
+            if (failure) std::rethrow_exception(std::move(failure));
         } catch (const MarshalingException& refused) {
             Raise(Type("MarshalingError")(refused.what()));
         } catch (const cv::Exception& refused) {

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <memory>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -43,7 +42,8 @@ private:
 template <class Result>
 class Kept {
 public:
-    Kept(Result&& result_, std::shared_ptr<Lock> lock_) : lock(std::move(lock_)), result(std::move(result_)) {}
+    Kept(Result&& result_, std::shared_ptr<Lock> lock_)
+        : lock(std::move(lock_)), result(std::make_unique<Result>(std::move(result_))) {}
     Kept(const Kept&) = delete;
     Kept& operator=(const Kept&) = delete;
     Kept(Kept&&) = delete;
@@ -53,7 +53,7 @@ public:
         if (!lock->Try()) {
             if (lock->IsOrphaned()) {
                 // The operation is in whatever state the fork found it in: what it knows is left as it is.
-                static_cast<void>(new Result(std::move(*result)));  // NOLINT(cppcoreguidelines-owning-memory)
+                static_cast<void>(result.release());
                 return;
             }
             const Released released;
@@ -67,7 +67,7 @@ public:
 
 private:
     std::shared_ptr<Lock> lock;
-    std::optional<Result> result;
+    std::unique_ptr<Result> result;
 };
 
 /// Lets a Python object own something, as the base of arrays over it.
@@ -91,14 +91,14 @@ template <class Operation>
 class Locked {
 public:
     template <class... Options>
-    explicit Locked(Options&&... options) : operation(std::forward<Options>(options)...) {}
+    explicit Locked(Options&&... options) : operation(std::make_unique<Operation>(std::forward<Options>(options)...)) {}
     Locked(const Locked&) = delete;
     Locked& operator=(const Locked&) = delete;
     Locked(Locked&&) = delete;
     Locked& operator=(Locked&&) = delete;
     ~Locked() {
         // In whatever state the fork found it in, it is left alone.
-        if (lock->IsOrphaned()) new std::shared_ptr<void>(operation.handle().Share());
+        if (lock->IsOrphaned()) static_cast<void>(operation.release());
     }
 
     /// Does something with the operation, under its lock and without the interpreter's.
@@ -113,7 +113,7 @@ public:
         const Released released;
         if (!taken) lock->Wait();
         const Turn turn{*lock};
-        return task(operation);
+        return task(*operation);
     }
 
     /// The same where the result owns buffers of the library.
@@ -132,7 +132,7 @@ private:
     };
 
     std::shared_ptr<Lock> lock = std::make_shared<Lock>();
-    Operation operation;
+    std::unique_ptr<Operation> operation;
 };
 
 }  // namespace quarry::python

@@ -5,10 +5,13 @@
 #include "Families.h"
 #include "Quarry/Version.h"
 
-PYBIND11_MODULE(_quarry, module) {
+namespace quarry::python {
+
+namespace {
+
+void Fill(py::module_& module) {
     module.doc() = "The operations of the package quarry, over the shared library.";
     module.attr("__version__") = QUARRY_VERSION;
-    using namespace quarry::python;
     TranslateErrors();
     AddMeasures(module);
     AddFrames(module);
@@ -16,8 +19,29 @@ PYBIND11_MODULE(_quarry, module) {
     AddDetectors(module);
     AddUpdaters(module);
     module.def(
-        "set_opencv_threads", &cv::setNumThreads, pybind11::arg("count"),
+        "set_opencv_threads", &cv::setNumThreads, py::arg("count"),
         R"(Lets OpenCV spread single calls over so many threads, in the whole process; cv2.setNumThreads does the same.
 
 count: 1: over none but the caller's; below 0: as many as OpenCV finds right, as before the first call)");
+}
+
+}  // namespace
+
+}  // namespace quarry::python
+
+// What PYBIND11_MODULE writes, but that pybind11 waits for ever where it is first loaded by a sub-interpreter.
+PYBIND11_PLUGIN_IMPL(_quarry) {
+    if (PyInterpreterState_Get() != PyInterpreterState_Main()) {
+        PyErr_SetString(PyExc_ImportError, "quarry: cannot be used in a sub-interpreter");
+        return nullptr;
+    }
+    PYBIND11_CHECK_PYTHON_VERSION
+    PYBIND11_ENSURE_INTERNALS_READY
+    static PyModuleDef definition;
+    auto module = pybind11::module_::create_extension_module("_quarry", nullptr, &definition);
+    try {
+        quarry::python::Fill(module);
+        return module.ptr();
+    }
+    PYBIND11_CATCH_INIT_EXCEPTIONS
 }

@@ -8,7 +8,7 @@ namespace quarry::python {
 
 namespace {
 
-constexpr int kWhole = py::array::c_style | py::detail::npy_api::NPY_ARRAY_ALIGNED_;
+constexpr int kWhole = py::array::c_style | kAligned;
 
 std::string TextOf(const py::object& object) {
     return py::str(object);
@@ -37,7 +37,8 @@ void CheckSides(const char* name, const py::array& array) {
 
 py::array Packed(const char* name, const py::array& array, bool copy) {
     if ((array.flags() & kWhole) == kWhole) return array;
-    if (copy) return py::array::ensure(array.attr("copy")("C"));
+    // A subclass may copy in its own way.
+    if (copy) return py::module_::import("numpy").attr("array")(array, py::arg("order") = "C");
     RefuseArray(name, "an array with strides " + TextOf(array.attr("strides")) + " is given",
                 "one that is C-contiguous and aligned is needed, or copy=True");
 }

@@ -63,8 +63,10 @@ private:
     FlowView view;
 };
 
+inline constexpr int kAligned = py::detail::npy_api::NPY_ARRAY_ALIGNED_;
+
 /// Floats, converted from whatever numpy can make them of.
-using Floats = py::array_t<float, py::array::c_style | py::array::forcecast>;
+using Floats = py::array_t<float, py::array::c_style | kAligned | py::array::forcecast>;
 
 /// The rows of (N, 2).
 /// @throws std::invalid_argument  the array is of another shape

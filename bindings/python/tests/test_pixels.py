@@ -94,6 +94,30 @@ def test_fields_must_be_aligned():
         quarry.OpticalFlowLine()(flow, start=(0, 0), end=(1, 1), values_count=3)
 
 
+class OwnCopy(np.ndarray):
+    """An array whose copies are others than numpy's."""
+
+    def copy(self, order="C"):
+        return np.zeros((9, 9, 0), np.uint8)
+
+
+def test_copies_are_numpys_own():
+    frame = random_frame(64, 48, 1)[:, ::2]
+    difference = quarry.ImageSubtractor()(frame.view(OwnCopy), frame, copy=True)
+    assert difference.shape == frame.shape
+    assert not difference.any()
+
+
+def test_floats_that_are_not_aligned_are_copied():
+    values = np.zeros(512 * 4 + 1, np.uint8)[1:].view(np.float32)
+    values[:] = np.arange(512)
+    packed, similarity = values.copy(), quarry.CosineSimilarity()
+    assert similarity(values, packed) == similarity(packed, packed)
+    assert allocated_by(lambda: similarity(packed, packed)) < values.nbytes <= allocated_by(
+        lambda: similarity(values, packed)
+    )
+
+
 def test_read_only_arrays_are_fine():
     frame = random_frame(64, 48, 5)
     frame.flags.writeable = False

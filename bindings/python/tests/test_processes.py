@@ -148,3 +148,12 @@ part = denoise(frame[:10])
 threading.Thread(target=denoise, args=(frame,), daemon=True).start()
 """
     subprocess.run([sys.executable, "-c", program], check=True)
+
+
+def test_sub_interpreters_are_refused():
+    program = """
+import _xxsubinterpreters as interpreters
+interpreters.run_string(interpreters.create(), "import quarry")
+"""
+    run = subprocess.run([sys.executable, "-W", "ignore", "-c", program], capture_output=True, text=True, timeout=60)
+    assert "ImportError'>: quarry: cannot be used in a sub-interpreter" in run.stderr
