@@ -86,17 +86,17 @@ void MosseTracker::InitResult() {
 }
 
 void MosseTracker::DoUpdate(MosseTrackerData data) {
-    found = updateImpl(quarry::PackedFrame(data.Image));
+    const bool found = updateImpl(quarry::PackedFrame(data.Image));
     // Only now: a first frame that could not be taken in is none, and the next is trained on in its place.
     InitResult();
     needInitialize = false;
+    result->Found = found ? 1 : 0;
 }
 
 void MosseTracker::AssignResultData() {
     result->TargetRect = {static_cast<int16_t>(quarry::Truncate(center.x - size.width * 0.5)),
                           static_cast<int16_t>(quarry::Truncate(center.y - size.height * 0.5)),
                           static_cast<int16_t>(size.width), static_cast<int16_t>(size.height)};
-    result->Found = found ? 1 : 0;
 }
 
 void MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect) {

@@ -61,7 +61,6 @@ private:
     double learningRate;
     double psrThreshold;  ///< least peak-to-sidelobe ratio of a target that is found
     bool needInitialize = true;
-    bool found = false;
     cv::Point2d center;     ///< pixels
     cv::Size size;          ///< of the window, pixels
     cv::Mat hanningWindow;  ///< CV_32F, as are the spectra, which have two channels

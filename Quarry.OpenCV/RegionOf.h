@@ -6,11 +6,10 @@
 namespace quarry {
 
 /// The pixels of a rectangle, without a copy.
-/// @throws cv::Exception  the rectangle does not lie inside the image. OpenCV's own check adds in 32 bits, so that a
-///                        rectangle far outside would pass it.
+/// @throws cv::Exception  the rectangle does not lie inside the image
 inline cv::Mat RegionOf(const cv::Mat& image, const cv::Rect& rect) {
-    CV_Assert(0 <= rect.x && 0 <= rect.width && int64_t{rect.x} + rect.width <= image.cols);
-    CV_Assert(0 <= rect.y && 0 <= rect.height && int64_t{rect.y} + rect.height <= image.rows);
+    // OpenCV refuses what is negative, but adds in 32 bits, so that a rectangle far outside would pass.
+    CV_Assert(int64_t{rect.x} + rect.width <= image.cols && int64_t{rect.y} + rect.height <= image.rows);
     return cv::Mat(image, rect);
 }
 

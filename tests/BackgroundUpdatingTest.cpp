@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 #include <opencv2/imgproc.hpp>
@@ -9,6 +10,8 @@
 
 #include "Quarry.Frame/InvokableUpdater.h"
 #include "Quarry.OpenCV/BackgroundUpdating.h"
+#include "support/Allocations.h"
+#include "support/FailingMatrix.h"
 #include "support/Footage.h"
 #include "support/Framed.h"
 #include "support/Scenes.h"
@@ -418,6 +421,19 @@ TEST(BackgroundUpdating, BeginsAnewAfterAFrameThatCannotBeAllocated) {
     EXPECT_THROW(model.Result(), std::logic_error);
     EXPECT_THROW(model.UpdateImage({pixel, -20, 10, 0, kSecond}), std::bad_alloc) << "not taken for an updated model";
     ExpectSame(model, reference, MovingSquare(20, 10, 1), 2 * kSecond);
+}
+
+TEST(BackgroundUpdating, KeepsNoBuffersOfAModelThatCouldNotBegin) {
+    Model model;
+    uint8_t pixel[3] = {};
+    EXPECT_THROW(model.UpdateImage({pixel, -20, 10, 0, kSecond}), std::bad_alloc) << "before there are any";
+    const cv::Mat frame = MovingSquare(20, 10, 0);
+    const std::size_t before = LiveBlocks();
+    {
+        const FailingMatrix failure(0);
+        EXPECT_THROW(model.UpdateImage(ImageOf(frame, kSecond)), cv::Exception) << "behind them";
+    }
+    EXPECT_EQ(LiveBlocks(), before);
 }
 
 TEST(BackgroundUpdating, AFrameWhoseBuffersWrapToANegativeSizeFailsAsAnAllocation) {

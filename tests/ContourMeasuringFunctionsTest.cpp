@@ -333,6 +333,14 @@ TEST(ContourMeasuring, RefusesARectangleThatDoesNotLieInsideTheMask) {
     }
 }
 
+TEST(ContourMeasuring, RefusesARectangleWhoseEndWrapsIn32Bits) {
+    cv::Mat mask(20, 30, CV_8UC1, cv::Scalar(255));
+    constexpr int kLargest = std::numeric_limits<int>::max();
+    for (const cv::Rect& rect : {cv::Rect(kLargest, 0, kLargest, 5), cv::Rect(0, kLargest, 5, kLargest)}) {
+        EXPECT_THROW(ContourMeasuringFunctions::GetObjectContour(rect, mask, 2, kArea), cv::Exception) << rect;
+    }
+}
+
 TEST(ContourMeasuring, TakesARectangleThatTouchesTheEdges) {
     cv::Mat mask(20, 30, CV_8UC1, cv::Scalar(255));
     EXPECT_EQ(ContourMeasuringFunctions::GetObjectContour({26, 15, 4, 5}, mask, 2, kArea), Box(0, 0, 4, 5));
