@@ -15,6 +15,15 @@ PRESETS = {
 }
 
 
+@pytest.fixture(autouse=True)
+def one_thread():
+    """Detections come in the order in which OpenCV's threads find them."""
+    before = cv2.getNumThreads()
+    cv2.setNumThreads(1)
+    yield
+    cv2.setNumThreads(before)
+
+
 @pytest.mark.parametrize("mode", quarry.CascadeMode)
 def test_cascade_detector(portrait, mode):
     neighbours, flags = PRESETS[mode]
