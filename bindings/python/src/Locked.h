@@ -50,22 +50,26 @@ public:
     Kept& operator=(Kept&&) = delete;
     /// Under the interpreter's lock, which it gives up when it has to wait.
     ~Kept() {
-        if (!lock->Try()) {
-            if (lock->IsOrphaned()) {
-                // The operation is in whatever state the fork found it in: what it knows is left as it is.
-                static_cast<void>(result.release());
-                return;
-            }
+        if (lock->Try()) {
+            End();
+        } else if (lock->IsOrphaned()) {
+            // The operation is in whatever state the fork found it in: what it knows is left as it is.
+            static_cast<void>(result.release());
+        } else {
             const Released released;
             lock->Wait();
+            End();
         }
-        result.reset();
-        lock->Give();
     }
 
     const Result& operator*() const { return *result; }
 
 private:
+    void End() {
+        result.reset();
+        lock->Give();
+    }
+
     std::shared_ptr<Lock> lock;
     std::unique_ptr<Result> result;
 };

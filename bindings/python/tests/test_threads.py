@@ -2,6 +2,7 @@
 
 import sys
 import threading
+import time
 
 import numpy as np
 import pytest
@@ -57,53 +58,54 @@ def test_others_run_while_a_call_runs(one_thread_until_it_lets_go):
     assert order == ["main", "slow"]
 
 
+def steps_until(events, tasks):
+    """How many milliseconds or more this thread has slept through when the first of the tasks is done.
+
+    Each task is begun when the one before it has called `events.release`.
+    """
+    steps, done = 0, []
+
+    def run_one(task):
+        task()
+        done.append(steps)
+
+    threads = [threading.Thread(target=run_one, args=(task,)) for task in tasks]
+    for thread in threads:
+        thread.start()
+        events.acquire()
+    while not done:
+        time.sleep(0.001)
+        steps += 1
+    for thread in threads:
+        thread.join()
+    return done[0]
+
+
 def test_others_run_while_a_call_waits_for_its_turn(one_thread_until_it_lets_go):
     frame, denoise = random_frame(320, 240, 1), quarry.FastNlMeansDenoising()
-    order = []
-    begun = threading.Semaphore(0)
+    begun, results = threading.Semaphore(0), []
 
     def slow():
         begun.release()
-        denoise(frame)
-        order.append("slow")
+        results.append(denoise(frame))  # its end, too, would wait for its turn
 
-    threads = [threading.Thread(target=slow) for _ in range(2)]
-    for thread in threads:
-        thread.start()
-    for _ in threads:
-        begun.acquire()
-    order.append("main")
-    for thread in threads:
-        thread.join()
-    assert order == ["main", "slow", "slow"]
+    assert steps_until(begun, [slow, slow]) > 5
 
 
 def test_others_run_while_the_end_of_a_result_waits_for_its_turn(one_thread_until_it_lets_go):
     frame, denoise = random_frame(320, 240, 1), quarry.FastNlMeansDenoising()
     results = [denoise(frame)]
-    order = []
     begun = threading.Semaphore(0)
 
     def slow():
         begun.release()
         denoise(frame)
-        order.append("slow")
 
     def end():
         begun.release()
         results.clear()
-        order.append("end")
 
-    threads = [threading.Thread(target=slow)]
-    threads[0].start()
-    begun.acquire()
-    threads.append(threading.Thread(target=end))
-    threads[1].start()
-    begun.acquire()
-    order.append("main")
-    for thread in threads:
-        thread.join()
-    assert order[0] == "main"
+    assert steps_until(begun, [slow, end]) > 5
 
 
 def test_threads_that_share_an_updater_take_turns():
