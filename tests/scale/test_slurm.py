@@ -2,6 +2,7 @@
 
 import getpass
 import socket
+import tempfile
 
 import pytest
 
@@ -27,10 +28,10 @@ SelectType=select/cons_tres
 SelectTypeParameters=CR_CPU
 SchedulerType=sched/builtin
 SchedulerParameters=batch_sched_delay=0,sched_interval=1
-StateSaveLocation={folder}/state
-SlurmdSpoolDir={folder}/spool
-SlurmctldPidFile={folder}/slurmctld.pid
-SlurmdPidFile={folder}/slurmd.pid
+StateSaveLocation={state}
+SlurmdSpoolDir={state}/spool
+SlurmctldPidFile={state}/slurmctld.pid
+SlurmdPidFile={state}/slurmd.pid
 KillWait=1
 ReturnToService=2
 NodeName={host} NodeAddr=127.0.0.1 CPUs=2
@@ -46,18 +47,15 @@ def free_ports():
 
 
 class Cluster:
-    def __init__(self, archive):
+    def __init__(self, archive, state):
         self.archive = archive
-        folder = archive.folder / "slurm"
-        for name in ("state", "spool"):
-            (folder / name).mkdir(parents=True)
         controller_port, node_port = free_ports()
-        self.configuration = folder / "slurm.conf"
+        self.configuration = archive.folder / "slurm.conf"
         self.configuration.write_text(CONFIGURATION.format(
-            host=socket.gethostname().partition(".")[0], user=getpass.getuser(), folder=folder,
+            host=socket.gethostname().partition(".")[0], user=getpass.getuser(), state=state,
             controller_port=controller_port, node_port=node_port))
         archive.environment["SLURM_CONF"] = str(self.configuration)
-        self.log = (folder / "log").open("a")
+        self.log = (archive.folder / "slurm.log").open("a")
         self.controller = self.start("slurmctld")
         self.start_node()
 
@@ -69,7 +67,7 @@ class Cluster:
         wait_until(lambda: self.ask("sinfo", "-h", "-o", "%t").strip() in ("idle", "mix", "alloc") or self.gone(),
                    "the node is up")
         if self.gone():
-            pytest.skip("Slurm's daemons cannot run here: " + (self.archive.folder / "slurm/log").read_text()[-500:])
+            pytest.skip("Slurm's daemons cannot run here: " + (self.archive.folder / "slurm.log").read_text()[-500:])
 
     def lose_node(self):
         """All of it at once; the controller, which would find out after SlurmdTimeout, is told."""
@@ -103,7 +101,13 @@ class Cluster:
 @pytest.fixture
 def cluster(archive):
     need("slurmctld", "slurmd", "sbatch")
-    return Cluster(archive)
+    # In a folder of a short name: the node's sockets stand there, whose paths have 107 characters at most.
+    with tempfile.TemporaryDirectory(prefix="slurm") as state:
+        try:
+            yield Cluster(archive, state)
+        finally:
+            archive.kill_all()
+            print((archive.folder / "slurm.log").read_text())  # shown with a test that failed
 
 
 def test_one_of_two_commands_is_killed(archive, cluster, reference):
