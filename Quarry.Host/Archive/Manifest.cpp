@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <fstream>
@@ -41,7 +42,11 @@ fs::path OutputOf(const std::string& name) {
     const fs::path within = fs::path(name).relative_path().lexically_normal();
     if (within.empty() || *within.begin() == "..") Refuse(name, "leads out of the folder of the outputs");
     if (!within.has_filename() || within == ".") Refuse(name, "is the name of a folder");
-    return within.string() + ".jsonl";
+    const fs::path output = within.string() + ".jsonl";
+    if (output.filename().string().size() > NAME_MAX) {
+        Refuse(name, "is too long: the name of its lines would have more than " + std::to_string(NAME_MAX) + " bytes");
+    }
+    return output;
 }
 
 std::vector<std::string> NamesBelow(const fs::path& folder) try {

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <climits>
 #include <cmath>
 #include <csignal>
 #include <cstddef>
@@ -77,9 +78,10 @@ void SetShard(Options& options, const std::string& text) {
     throw CLI::ValidationError("--shard", "must be I/N, whole numbers with I from 1 to N, not " + text);
 }
 
-/// A number where the text is one: 0.5 and 0.50 are the same option, and so are 10 and 10.0.
+/// A number where the text is one: 0.5, 0.50 and .5 are the same option, and so are 10 and 10.0.
 nlohmann::ordered_json ValueOf(const std::string& text) {
-    const nlohmann::ordered_json value = nlohmann::ordered_json::parse(text, nullptr, false);
+    const std::string written = text.rfind('.', 0) == 0 ? "0" + text : text;
+    const nlohmann::ordered_json value = nlohmann::ordered_json::parse(written, nullptr, false);
     if (!value.is_number()) return text;
     const auto number = value.get<double>();
     constexpr double kMost = 1e15;  // up to which all whole numbers are exact
@@ -87,27 +89,39 @@ nlohmann::ordered_json ValueOf(const std::string& text) {
     return isWhole ? nlohmann::ordered_json(static_cast<int64_t>(number)) : value;
 }
 
+/// A list where there are commas.
+nlohmann::ordered_json ValuesOf(const std::string& text) {
+    nlohmann::ordered_json values;
+    for (const std::string& part : CLI::detail::split(text, ',')) values.push_back(ValueOf(part));
+    return values.size() > 1 ? values : ValueOf(text);
+}
+
 /// Null where it was not given and the default depends on the video or is the library's own.
 nlohmann::ordered_json ValueOf(const CLI::Option& option) {
     if (option.get_expected_max() == 0) return option.as<bool>();
-    if (option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll) return option.results();
+    if (option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll) {
+        nlohmann::ordered_json all = nlohmann::ordered_json::array();
+        for (const std::string& text : option.results()) all.push_back(ValuesOf(text));
+        return all;
+    }
     const std::string text = option.count() > 0 ? option.results().front() : option.get_default_str();
     if (option.get_type_name() == kFileType) {
         const std::string name = std::filesystem::path(text).filename().string();
         return {{"file", name}, {"sha256", FingerprintOf(text).sha256}};
     }
-    return text.empty() ? nlohmann::ordered_json() : ValueOf(text);
+    return text.empty() ? nlohmann::ordered_json() : ValuesOf(text);
 }
 
 /// All that the results depend on: the options of the operation, in the order of its help, and the choice of frames.
-nlohmann::ordered_json ResultOptions(const CLI::App& operation) {
+nlohmann::ordered_json ResultOptions(const CLI::App& operation, const FrameRange& frames) {
     nlohmann::ordered_json values = nlohmann::ordered_json::object();
     for (const CLI::Option* const option : operation.get_options()) {
         if (option != operation.get_help_ptr()) values[option->get_lnames().front()] = ValueOf(*option);
     }
-    for (const char* const name : {"frames", "every"}) {
-        values[name] = ValueOf(*operation.get_parent()->get_option(std::string("--") + name));
-    }
+    values["first"] = frames.first;
+    values["end"] = nullptr;
+    if (frames.end != INT_MAX) values["end"] = frames.end;
+    values["every"] = frames.every;
     return values;
 }
 
@@ -158,7 +172,7 @@ void EndOnSignals() {
 int Run(const Options& options, const CLI::App& command, const Beginning& begin) try {
     EndOnSignals();
     cv::setNumThreads(options.threads);
-    const nlohmann::ordered_json values = ResultOptions(command);
+    const nlohmann::ordered_json values = ResultOptions(command, options.frames);
     CheckCanBegin(begin);
     return ScanAll(options, {command.get_name(), values, begin, options.frames, options.out});
 } catch (const CLI::Error&) {

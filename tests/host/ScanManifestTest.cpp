@@ -82,7 +82,7 @@ TEST_F(ScanManifest, NamesMayHoldWhatFileNamesHold) {
 }
 
 TEST_F(ScanManifest, LongNamesAndNamesThatAreNotUtf8AreScanned) {
-    const std::string lengthy = std::string(240, 'x') + ".avi";
+    const std::string lengthy = std::string(245, 'x') + ".avi";
     WriteVideos({lengthy, "caf\xE9.avi"});
     EXPECT_EQ(Scan("sharpness", "lines").exitCode, 0);
     EXPECT_EQ(FilesBelow("lines"), (Names{lengthy + ".jsonl", "caf\xE9.avi.jsonl"}));
@@ -111,6 +111,12 @@ TEST_F(ScanManifest, NamesThatLeadOutOrHoldControlCharactersAreRefused) {
     ExpectRefusal("a.avi\r\n", "a.avi : holds a control character");
     ExpectRefusal("a\tb.avi\n", "a\tb.avi: holds a control character");
     ExpectRefusal("a\x7F.avi\n", "a\x7F.avi: holds a control character");
+}
+
+TEST_F(ScanManifest, ANameToWhichNoEndingCanBeAddedIsRefused) {
+    const std::string lengthy = std::string(246, 'x') + ".avi";
+    ExpectRefusal("deep/" + lengthy + "\n",
+                  "deep/" + lengthy + ": is too long: the name of its lines would have more than 255 bytes");
 }
 
 TEST_F(ScanManifest, AByteOrderMarkIsRefused) {

@@ -111,31 +111,34 @@ TEST_F(ScanCommand, TheFirstLineSaysWhatTheOthersDependOn) {
     WriteVideo("videos/deep/clip.avi", 4);
     ExpectDone(Scan("sharpness", "lines"), 1, 0);
     const auto bytes = fs::file_size(folder / "videos/deep/clip.avi");
-    EXPECT_EQ(HeadOf("lines/deep/clip.avi.jsonl"),
-              R"({"quarry":")" QUARRY_COMMAND_VERSION
-              R"(","operation":"sharpness","options":{"face":null,"frames":null,"every":1},"video":"deep/clip.avi",)"
-              R"("bytes":)" +
-                  std::to_string(bytes) + R"(,"sha256":")" + Sha256Of("videos/deep/clip.avi") + "\"}");
+    EXPECT_EQ(
+        HeadOf("lines/deep/clip.avi.jsonl"),
+        R"({"quarry":")" QUARRY_COMMAND_VERSION
+        R"(","operation":"sharpness","options":{"face":null,"first":0,"end":null,"every":1},"video":"deep/clip.avi",)"
+        R"("bytes":)" +
+            std::to_string(bytes) + R"(,"sha256":")" + Sha256Of("videos/deep/clip.avi") + "\"}");
 }
 
 TEST_F(ScanCommand, TheFirstLineHasAllOptionsInAFixedOrder) {
     WriteVideo("videos/clip.avi", 2, {160, 140});
     const std::vector<std::pair<Arguments, std::string>> calls = {
-        {{"background"}, R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":4,"frames":null,"every":1})"},
+        {{"background"},
+         R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":4,"first":0,"end":null,"every":1})"},
         {{"background", "--adaptation", "10.0", "--speedup", "40e-1", "--sensitivity", "5e-1"},
-         R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":4,"frames":null,"every":1})"},
+         R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":4,"first":0,"end":null,"every":1})"},
         {{"background", "--speedup", "2", "--every", "2", "--sensitivity", "0.50", "--frames", ":9"},
-         R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":2,"frames":":9","every":2})"},
-        {{"track", "--rect=-1,2,30,40"}, R"({"rect":"-1,2,30,40","mode":0,"frames":null,"every":1})"},
+         R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":2,"first":0,"end":9,"every":2})"},
+        {{"track", "--rect=-1,2,30,40"}, R"({"rect":[-1,2,30,40],"mode":0,"first":0,"end":null,"every":1})"},
         {{"flow", "--detail", "0.3"},
-         R"({"detail":0.3,"quality":null,"line":null,"values":32,"frames":null,"every":1})"},
-        {{"contours", "--method", "none"}, R"({"rect":null,"method":"none","select":"area","frames":null,"every":1})"},
-        {{"occupancy"}, R"({"grid":"16x12","fill":0.3,"min-area":0.001,"frames":null,"every":1})"},
-        {{"clusters", "--every-pixel"}, R"({"min-area":0.001,"every-pixel":true,"frames":null,"every":1})"},
-        {{"people", "--area", "0,0,1,1", "--area", "0,0,0.5,1"},
-         R"({"sensitivity":0.4,"min-size":0,"max-size":1,"area":["0,0,1,1","0,0,0.5,1"],"frames":null,"every":1})"},
-        {{"people"}, R"({"sensitivity":0.4,"min-size":0,"max-size":1,"area":[],"frames":null,"every":1})"},
-        {{"fire"}, R"({"frames":null,"every":1})"},
+         R"({"detail":0.3,"quality":null,"line":null,"values":32,"first":0,"end":null,"every":1})"},
+        {{"contours", "--method", "none"},
+         R"({"rect":null,"method":"none","select":"area","first":0,"end":null,"every":1})"},
+        {{"occupancy"}, R"({"grid":"16x12","fill":0.3,"min-area":0.001,"first":0,"end":null,"every":1})"},
+        {{"clusters", "--every-pixel"}, R"({"min-area":0.001,"every-pixel":true,"first":0,"end":null,"every":1})"},
+        {{"people", "--area", "0,0,1,1", "--area", "0,0.0,.50,1"},
+         R"({"sensitivity":0.4,"min-size":0,"max-size":1,"area":[[0,0,1,1],[0,0,0.5,1]],"first":0,"end":null,"every":1})"},
+        {{"people"}, R"({"sensitivity":0.4,"min-size":0,"max-size":1,"area":[],"first":0,"end":null,"every":1})"},
+        {{"fire", "--frames", "0:"}, R"({"first":0,"end":null,"every":1})"},
     };
     for (const auto& [call, options] : calls) {
         Scan(call[0], "lines", {call.begin() + 1, call.end()});
