@@ -42,7 +42,7 @@ fs::path OutputOf(const std::string& name) {
     const fs::path within = fs::path(name).relative_path().lexically_normal();
     if (within.empty() || *within.begin() == "..") Refuse(name, "leads out of the folder of the outputs");
     if (!within.has_filename() || within == ".") Refuse(name, "is the name of a folder");
-    const fs::path output = within.string() + ".jsonl";
+    fs::path output = within.string() + ".jsonl";
     if (output.filename().string().size() > NAME_MAX) {
         Refuse(name, "is too long: the name of its lines would have more than " + std::to_string(NAME_MAX) + " bytes");
     }

@@ -96,9 +96,9 @@ void AddRelations(py::module_& module) {
         .def(Plain<ContourIntersection>())
         .def(
             "__call__",
-            [](Locked<ContourIntersection>& self, const Floats& polygon, const Floats& contour) {
-                const Span<FloatPoint> zone = PointsIn("polygon", polygon);
-                const Span<FloatPoint> points = PointsIn("contour", contour);
+            [](Locked<ContourIntersection>& self, const py::object& polygon, const py::object& contour) {
+                const Points zone("polygon", polygon);
+                const Points points("contour", contour);
                 return self.Run([&](auto& place) { return place(zone, points); });
             },
             py::arg("polygon"), py::arg("contour"), R"(The position, as a ContourPosition.
@@ -115,10 +115,10 @@ raises ValueError: an array is of another shape, or has no points)");
              "measure: how the Hu moments are compared")
         .def(
             "__call__",
-            [](Locked<ContourRate>& self, const Floats& current, const Floats& previous, int frameWidth,
+            [](Locked<ContourRate>& self, const py::object& current, const py::object& previous, int frameWidth,
                int frameHeight, double milliseconds, double defaultRate) {
-                const Span<FloatPoint> now = PointsIn("current", current);
-                const Span<FloatPoint> before = PointsIn("previous", previous);
+                const Points now("current", current);
+                const Points before("previous", previous);
                 const ContourTiming timing = {frameWidth, frameHeight, milliseconds, defaultRate};
                 return self.Run([&](auto& rate) { return rate(now, before, timing); });
             },

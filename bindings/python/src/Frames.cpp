@@ -97,11 +97,11 @@ void AddTransforms(py::module_& module) {
 raises ValueError: a side is below 1)")
         .def(
             "__call__",
-            [](Locked<SimilarityTransform>& self, const py::array& frame, const Floats& source,
-               const Floats& destination, bool copy) {
+            [](Locked<SimilarityTransform>& self, const py::array& frame, const py::object& source,
+               const py::object& destination, bool copy) {
                 const Frame pixels("frame", frame, copy);
-                const Span<FloatPoint> from = PointsIn("source", source);
-                const Span<FloatPoint> to = PointsIn("destination", destination);
+                const Points from("source", source);
+                const Points to("destination", destination);
                 const auto picture = self.Give([&](auto& align) { return align(pixels, from, to); });
                 return ArrayOf(picture.result.view(), picture.owner);
             },

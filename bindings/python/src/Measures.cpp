@@ -51,9 +51,9 @@ void AddSimilarity(py::module_& module) {
         .def(Plain<CosineSimilarity>())
         .def(
             "__call__",
-            [](Locked<CosineSimilarity>& self, const Floats& first, const Floats& second) {
-                const Span<float> one = ValuesIn("first", first);
-                const Span<float> other = ValuesIn("second", second);
+            [](Locked<CosineSimilarity>& self, const py::object& first, const py::object& second) {
+                const Values one("first", first);
+                const Values other("second", second);
                 return self.Run([&](auto& similarity) { return similarity(one, other); });
             },
             py::arg("first"), py::arg("second"), R"(The cosine, -1 to 1; not a number when one embedding is all zeros.
@@ -113,9 +113,9 @@ void AddClothing(py::module_& module) {
         .def(Plain<ClothingColors>())
         .def(
             "__call__",
-            [](Locked<ClothingColors>& self, const py::array& frame, const Floats& keypoints, bool copy) {
+            [](Locked<ClothingColors>& self, const py::array& frame, const py::object& keypoints, bool copy) {
                 const Frame pixels("frame", frame, copy);
-                const Span<FloatPoint> body = PointsIn("keypoints", keypoints);
+                const Points body("keypoints", keypoints);
                 const auto colors = self.Give([&](auto& extract) { return extract(pixels, body); });
                 const float* const first = colors.result.data();
                 constexpr std::size_t kPart = 6;

@@ -70,16 +70,28 @@ Field::Field(const char* name, const py::array& given, bool copy)
     : Pixels(name, given, py::dtype::of<float>(), 2, copy),
       view(static_cast<const AbsVector*>(data()), width(), height()) {}
 
-Span<FloatPoint> PointsIn(const char* name, const Floats& given) {
-    if (given.ndim() != 2 || given.shape(1) != 2) {
-        RefuseArray(name, "the shape is " + ShapeOf(given), "(N, 2) is needed");
-    }
-    return {reinterpret_cast<const FloatPoint*>(given.data()), static_cast<std::size_t>(given.shape(0))};
+Floats::Floats(const char* name, const py::object& given) try : packed(given) {
+} catch (const py::error_already_set& refused) {
+    if (!refused.matches(PyExc_TypeError) && !refused.matches(PyExc_ValueError)) throw;  // an interrupt, for example
+    RefuseArray(name, TextOf(refused.value()), "numbers are needed");
 }
 
-Span<float> ValuesIn(const char* name, const Floats& given) {
-    if (given.ndim() != 1) RefuseArray(name, "the shape is " + ShapeOf(given), "(N,) is needed");
-    return {given.data(), static_cast<std::size_t>(given.size())};
+Points::Points(const char* name, const py::object& given) : Floats(name, given) {
+    if (packed.ndim() != 2 || packed.shape(1) != 2) {
+        RefuseArray(name, "the shape is " + ShapeOf(packed), "(N, 2) is needed");
+    }
+}
+
+Points::operator Span<FloatPoint>() const {
+    return {reinterpret_cast<const FloatPoint*>(packed.data()), static_cast<std::size_t>(packed.shape(0))};
+}
+
+Values::Values(const char* name, const py::object& given) : Floats(name, given) {
+    if (packed.ndim() != 1) RefuseArray(name, "the shape is " + ShapeOf(packed), "(N,) is needed");
+}
+
+Values::operator Span<float>() const {
+    return {packed.data(), static_cast<std::size_t>(packed.size())};
 }
 
 }  // namespace quarry::python

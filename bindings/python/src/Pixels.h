@@ -65,16 +65,31 @@ private:
 
 inline constexpr int kAligned = py::detail::npy_api::NPY_ARRAY_ALIGNED_;
 
-/// Floats, converted from whatever numpy can make them of.
-using Floats = py::array_t<float, py::array::c_style | kAligned | py::array::forcecast>;
+/// Floats, converted from whatever numpy can make them of, kept for the time of a call.
+class Floats {
+public:
+    /// @throws std::invalid_argument  numpy can make no floats of it
+    Floats(const char* name, const py::object& given);
 
-/// The rows of (N, 2).
-/// @throws std::invalid_argument  the array is of another shape
-Span<FloatPoint> PointsIn(const char* name, const Floats& given);
+protected:
+    py::array_t<float, py::array::c_style | kAligned | py::array::forcecast> packed;
+};
 
-/// The values of (N,).
-/// @throws std::invalid_argument  the array is of another shape
-Span<float> ValuesIn(const char* name, const Floats& given);
+/// Points: (N, 2).
+class Points : Floats {
+public:
+    /// @throws std::invalid_argument  the array is of another shape, or not of numbers
+    Points(const char* name, const py::object& given);
+    operator Span<FloatPoint>() const;
+};
+
+/// Values: (N,).
+class Values : Floats {
+public:
+    /// @throws std::invalid_argument  the array is of another shape, or not of numbers
+    Values(const char* name, const py::object& given);
+    operator Span<float>() const;
+};
 
 /// x, y, width, height.
 inline RelRect RectOf(const std::array<float, 4>& given) {

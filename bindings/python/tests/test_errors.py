@@ -166,7 +166,6 @@ def test_values_that_do_not_fit_are_value_errors(call):
         lambda: quarry.ColorComparison(measure=3),
         lambda: quarry.ColorComparison(measure=quarry.ShapeMeasure.I1),
         lambda: quarry.ColorComparison()(FRAME, FRAME, area=(0, 0, 1)),
-        lambda: quarry.ContourIntersection()("zone", ONE),
         lambda: quarry.CascadeDetector(),
         lambda: quarry.CascadeDetector(model_path=3),
         lambda: quarry.MosseTracker().start(FRAME, (1.5, 2, 3, 4)),
@@ -176,6 +175,22 @@ def test_values_that_do_not_fit_are_value_errors(call):
 def test_wrong_types_are_type_errors(call):
     with pytest.raises(TypeError):
         call()
+
+
+def test_what_is_no_array_of_numbers_is_a_value_error():
+    for given in ("zone", [[0, 1], [2]], [[0, "x"]], [[0, {}]], object()):
+        with pytest.raises(ValueError, match="^polygon: .+; numbers are needed$"):
+            quarry.ContourIntersection()(given, ONE)
+
+
+@pytest.mark.parametrize("error", [KeyboardInterrupt, MemoryError, OSError])
+def test_what_else_goes_wrong_while_floats_are_made_is_passed_on(error):
+    class Endless:
+        def __array__(self, dtype=None):
+            raise error
+
+    with pytest.raises(error):
+        quarry.CosineSimilarity()(Endless(), Endless())
 
 
 def test_memory_that_is_not_there_is_a_memory_error():
