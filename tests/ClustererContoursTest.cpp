@@ -12,6 +12,7 @@
 #include "support/Allocations.h"
 #include "support/Footage.h"
 #include "support/Framed.h"
+#include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
 namespace {
@@ -127,20 +128,12 @@ protected:
     }
     std::vector<Blob> Find(const cv::Mat& frame) { return Find(ImageOf(frame)); }
 
-    /// What a call that must throw leaves in a record filled with 0xA5, and in memory.
+    /// A call that must throw, and change nothing.
     void ExpectRefusal(const Image& image, const std::string& message = {}) {
         SCOPED_TRACE(testing::Message() << image.width << " x " << image.height);
         auto input = Input(image);
-        auto result = FramedResult<ClustererResult>(0xA5);
-        const std::size_t before = LiveBlocks();
-        try {
-            Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-            ADD_FAILURE() << "no exception";
-        } catch (const cv::Exception& refusal) {
-            EXPECT_NE(std::string(refusal.what()).find(message), std::string::npos) << refusal.what();
-        }
-        EXPECT_EQ(LiveBlocks(), before);
-        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
+        const std::string said = RefusalOfInput<cv::Exception, ClustererResult>(handle, input);
+        EXPECT_NE(said.find(message), std::string::npos) << said;
     }
 
     void* handle = nullptr;

@@ -10,6 +10,7 @@
 #include "Quarry/Quarry.h"
 #include "support/Allocations.h"
 #include "support/Framed.h"
+#include "support/RefusedInput.h"
 
 namespace {
 
@@ -56,18 +57,9 @@ protected:
         return Position(input);
     }
 
-    /// What a call that must throw leaves in a record filled with 0xA5, and in memory.
+    /// A call that must throw, and change nothing.
     void ExpectRefusal(Framed<ContourIntersectionProcessorData>& input, const std::string& message) {
-        auto result = FramedResult<ContourInstersectionProcessorResult>(0xA5);
-        const std::size_t before = LiveBlocks();
-        try {
-            Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-            ADD_FAILURE() << "no exception instead of: " << message;
-        } catch (const std::invalid_argument& refusal) {
-            EXPECT_EQ(refusal.what(), message);
-        }
-        EXPECT_EQ(LiveBlocks(), before);
-        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
+        EXPECT_EQ((RefusalOfInput<std::invalid_argument, ContourInstersectionProcessorResult>(handle, input)), message);
     }
 
     void* handle = nullptr;

@@ -13,6 +13,7 @@
 #include "Quarry/Quarry.h"
 #include "support/Allocations.h"
 #include "support/Framed.h"
+#include "support/RefusedInput.h"
 
 namespace {
 
@@ -85,19 +86,11 @@ protected:
         return Rate(shapes);
     }
 
-    /// What a call that must throw leaves in a record filled with 0xA5, and in memory.
+    /// A call that must throw, and change nothing.
     template <class Exception>
     void ExpectRefusal(Shapes& shapes, const std::string& message = {}) {
-        auto result = FramedResult<ContourRateMeasuringOutputData>(0xA5);
-        const std::size_t before = LiveBlocks();
-        try {
-            Process(handle, shapes.record.as<ProcessData>(), result.as<ProcessResult>());
-            ADD_FAILURE() << "no exception";
-        } catch (const Exception& refusal) {
-            EXPECT_NE(std::string(refusal.what()).find(message), std::string::npos) << refusal.what();
-        }
-        EXPECT_EQ(LiveBlocks(), before);
-        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
+        const std::string said = RefusalOfInput<Exception, ContourRateMeasuringOutputData>(handle, shapes.record);
+        EXPECT_NE(said.find(message), std::string::npos) << said;
     }
 
     void* handle = nullptr;

@@ -11,6 +11,7 @@
 
 #include "Quarry/Quarry.h"
 #include "support/Framed.h"
+#include "support/RefusedInput.h"
 
 namespace {
 
@@ -56,18 +57,12 @@ protected:
         return result->Similarity;
     }
 
+    /// A call that must throw, and change nothing.
     void ExpectRefusal(const float* first, const float* second, const std::string& message) {
         auto input = FramedInput<EmbeddingData>();
         input->FirstEmbedding = first;
         input->SecondEmbedding = second;
-        auto result = FramedResult<CosineOutputData>(0xA5);
-        try {
-            Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-            FAIL() << "no exception";
-        } catch (const std::invalid_argument& refusal) {
-            EXPECT_EQ(refusal.what(), message);
-        }
-        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
+        EXPECT_EQ((RefusalOfInput<std::invalid_argument, CosineOutputData>(handle, input)), message);
     }
 
     void* handle = nullptr;

@@ -15,6 +15,7 @@
 #include "support/Allocations.h"
 #include "support/Footage.h"
 #include "support/Framed.h"
+#include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
 namespace {
@@ -420,16 +421,8 @@ TEST_F(OpticalFlowLine, RefusesANegativeNumberOfValues) {
     Field field = RandomField(10, 8, 6);
     for (const int count : {-1, std::numeric_limits<int>::min()}) {
         auto input = Input(&field.matrix, {0.0F, 0.0F, 1.0F, 1.0F}, count);
-        auto result = FramedResult<OFLineResult>(0xA5);
-        const std::size_t before = LiveBlocks();
-        try {
-            Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-            ADD_FAILURE() << "no exception for " << count;
-        } catch (const std::invalid_argument& refusal) {
-            EXPECT_EQ(refusal.what(), "OFLineData.ValuesCount is " + std::to_string(count) + "; 0 or more is allowed");
-        }
-        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
-        EXPECT_EQ(LiveBlocks(), before);
+        EXPECT_EQ((RefusalOfInput<std::invalid_argument, OFLineResult>(handle, input)),
+                  "OFLineData.ValuesCount is " + std::to_string(count) + "; 0 or more is allowed");
     }
 }
 
