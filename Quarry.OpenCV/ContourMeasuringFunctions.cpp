@@ -9,6 +9,9 @@
 
 namespace {
 
+/// What OpenCV's approximation methods begin with.
+constexpr int kChainCodes = 0;
+
 constexpr int kLargestArea = 0;
 constexpr int kLargestDiagonal = 1;
 
@@ -29,13 +32,19 @@ double Score(const std::vector<cv::Point>& contour, int selectionMode) {
 
 std::vector<cv::Point> ContourMeasuringFunctions::GetObjectContour(cv::Rect rect, cv::Mat& mask, int method,
                                                                    int selectionMode) {
+    // OpenCV says no to neither in every release; chain codes are no points, and are read as if they were.
+    CV_Assert(!mask.empty());
+    CV_Assert(method != kChainCodes);
     cv::Mat region = quarry::RegionOf(mask, rect);
     const cv::Rect box = region.depth() == CV_8U ? quarry::ForegroundBox(region) : cv::Rect({}, region.size());
     // A copy, since some releases of OpenCV write into the image that they search.
     region = region(box).clone();
     std::vector<std::vector<cv::Point>> contours;
-    cv::findContours(region, contours, cv::RETR_LIST, method, box.tl());
-    return SelectContour(std::move(contours), selectionMode);
+    cv::findContours(region, contours, cv::RETR_LIST, method);
+    std::vector<cv::Point> chosen = SelectContour(std::move(contours), selectionMode);
+    // Moved here, since not every method takes an offset.
+    for (cv::Point& point : chosen) point += box.tl();
+    return chosen;
 }
 
 std::vector<cv::Point> ContourMeasuringFunctions::SelectContour(std::vector<std::vector<cv::Point>> contours,

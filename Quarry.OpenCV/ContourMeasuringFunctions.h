@@ -8,8 +8,8 @@
 /// Every border counts, holes included (Suzuki and Abe, 1985). Contours are rated by a selection mode: 0 by their area,
 /// 1 by the squared diagonal of their upright bounding box; any other mode rates all of them 0. A contour that is rated
 /// 0 never stands for the object, and of equals the earlier one does.
-/// @throws cv::Exception  the rectangle does not lie inside the mask, the mask is not 8-bit with one channel, or the
-///                        approximation method is unknown
+/// @throws cv::Exception  the rectangle does not lie inside the mask, the mask is empty or not 8-bit with one channel,
+///                        or the approximation method is unknown or gives chain codes
 class ContourMeasuringFunctions {
 public:
     /// @param rect    where to look, pixels of the mask

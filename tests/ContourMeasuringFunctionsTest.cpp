@@ -202,6 +202,12 @@ TEST(ContourSelection, TakesNoneInAModeThatItDoesNotKnow) {
     }
 }
 
+TEST(ContourSelection, SquaresDiagonalsIn32Bits) {
+    // 50001 x 50001 + 1 goes beyond 32 bits with a sign, and wraps below 0.
+    const std::vector<Points> contours = {{{0, 0}, {50000, 0}}, {{3, 4}}};
+    EXPECT_EQ(ContourMeasuringFunctions::SelectContour(contours, kDiagonal), contours[1]);
+}
+
 TEST(ContourMeasuring, FindsTheBestBorderOfRandomMasks) {
     const cv::Size sizes[] = {{1, 1}, {1, 9}, {9, 1}, {5, 7}, {33, 21}, {64, 48}, {101, 77}};
     for (const cv::Size& size : sizes) {
@@ -347,9 +353,27 @@ TEST(ContourMeasuring, TakesARectangleThatTouchesTheEdges) {
     EXPECT_EQ(ContourMeasuringFunctions::GetObjectContour(Whole(mask), mask, 2, kArea), Box(0, 0, 30, 20));
 }
 
-TEST(ContourMeasuring, RefusesARectangleInAnEmptyMask) {
-    cv::Mat mask;
-    EXPECT_THROW(ContourMeasuringFunctions::GetObjectContour({0, 0, 1, 1}, mask, 2, kArea), cv::Exception);
+TEST(ContourMeasuring, RefusesAnEmptyMask) {
+    for (const cv::Size& size : {cv::Size(0, 0), cv::Size(0, 5), cv::Size(5, 0)}) {
+        cv::Mat mask(size, CV_8UC1);
+        for (const cv::Rect& rect : {cv::Rect(0, 0, 0, 0), cv::Rect(0, 0, 1, 1), Whole(mask)}) {
+            EXPECT_THROW(ContourMeasuringFunctions::GetObjectContour(rect, mask, 2, kArea), cv::Exception) << size;
+        }
+    }
+}
+
+TEST(ContourMeasuring, HandsTheMethodOfLinkedRunsToOpenCv) {
+    constexpr int kLinkedRuns = 5;
+    for (uint64_t seed = 0; seed < 40; ++seed) {
+        cv::Mat mask = RandomMask({33, 21}, seed);
+        for (const int mode : {kArea, kDiagonal}) {
+            EXPECT_EQ(ContourMeasuringFunctions::GetObjectContour(Whole(mask), mask, kLinkedRuns, mode),
+                      Reference(mask, Whole(mask), kLinkedRuns, mode))
+                << "seed " << seed << ", mode " << mode;
+        }
+    }
+    cv::Mat black = cv::Mat::zeros(9, 9, CV_8UC1);
+    EXPECT_EQ(ContourMeasuringFunctions::GetObjectContour({2, 2, 4, 4}, black, kLinkedRuns, kArea), Points());
 }
 
 TEST(ContourMeasuring, RefusesAMaskThatIsNotOfBytesWithOneChannel) {
@@ -362,7 +386,7 @@ TEST(ContourMeasuring, RefusesAMaskThatIsNotOfBytesWithOneChannel) {
 
 TEST(ContourMeasuring, RefusesAnApproximationMethodThatOpenCvDoesNotKnow) {
     cv::Mat mask(20, 30, CV_8UC1, cv::Scalar(255));
-    for (const int method : {-1, 6, 99, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+    for (const int method : {-1, 0, 6, 99, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
         EXPECT_THROW(ContourMeasuringFunctions::GetObjectContour({1, 1, 9, 9}, mask, method, kArea), cv::Exception)
             << "method " << method;
     }
