@@ -79,6 +79,9 @@ bool MosseTracker::NeedInitialize(MosseTrackerData /*data*/) {
 void MosseTracker::DoInitialize(MosseTrackerData data) {
     const PixelRect& rect = data.InitialRect;
     initImpl(quarry::PackedFrame(data.Image), cv::Rect2d(rect.X, rect.Y, rect.Width, rect.Height));
+    InitResult();
+    // Last: a tracker that lacks its filter or its result begins with the next frame.
+    needInitialize = false;
 }
 
 void MosseTracker::InitResult() {
@@ -86,17 +89,14 @@ void MosseTracker::InitResult() {
 }
 
 void MosseTracker::DoUpdate(MosseTrackerData data) {
-    const bool found = updateImpl(quarry::PackedFrame(data.Image));
-    // Only now: a first frame that could not be taken in is none, and the next is trained on in its place.
-    InitResult();
-    needInitialize = false;
-    result->Found = found ? 1 : 0;
+    found = updateImpl(quarry::PackedFrame(data.Image));
 }
 
 void MosseTracker::AssignResultData() {
     result->TargetRect = {static_cast<int16_t>(quarry::Truncate(center.x - size.width * 0.5)),
                           static_cast<int16_t>(quarry::Truncate(center.y - size.height * 0.5)),
                           static_cast<int16_t>(size.width), static_cast<int16_t>(size.height)};
+    result->Found = found ? 1 : 0;
 }
 
 void MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect) {

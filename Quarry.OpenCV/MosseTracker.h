@@ -14,7 +14,8 @@
 /// consulted. The updater's state stays NoResult; the result's `Found` says what became of the target. The result holds
 /// no buffer.
 /// @throws cv::Exception          `data` is null while the frame is not empty, the frame is empty, or the rectangle is
-///                                smaller than 2 x 2; a frame that fails leaves the tracker as it was
+///                                smaller than 2 x 2; a frame that fails leaves the tracker as it was, but that one on
+///                                which memory ends after the training leaves it trained, its target not found yet
 /// @throws std::invalid_argument  `TrackerMode` is neither 0 nor 1 (when the tracker is created)
 class MosseTracker : public Updatable<MosseTrackerOptions, MosseTrackerData, MosseTrackerResult> {
 public:
@@ -61,6 +62,7 @@ private:
     double learningRate;
     double psrThreshold;  ///< least peak-to-sidelobe ratio of a target that is found
     bool needInitialize = true;
+    bool found = false;     ///< whether the last frame showed the target
     cv::Point2d center;     ///< pixels
     cv::Size size;          ///< of the window, pixels
     cv::Mat hanningWindow;  ///< CV_32F, as are the spectra, which have two channels

@@ -17,6 +17,8 @@
 #include "Quarry.OpenCV/BackgroundUpdating.h"
 #include "Quarry.OpenCV/CVBackgroungModel.h"
 #include "Quarry.OpenCV/CVOpticalFlowCalculator.h"
+#include "Quarry.OpenCV/DenseOpticalFlowCalculator.h"
+#include "Quarry.OpenCV/MosseTracker.h"
 #include "support/Bytes.h"
 #include "support/Framed.h"
 #include "support/Slots.h"
@@ -634,6 +636,38 @@ TEST_F(UpdatableSlots, OfABackgroundModelEndWithItsOverrides) {
     CallSlot<void>(&model, 10);  // Dispose
     auto result = FramedResult<BackgroundResult>();
     EXPECT_THROW(model.GetResult(result.as<UpdateResult>()), std::logic_error) << "the result is gone";
+}
+
+TEST_F(UpdatableSlots, OfADenseFlowEndWithItsOverridesAndItsEndKeepsTheSize) {
+    auto options = FramedOptions<OFCOptions>();
+    DenseOpticalFlowCalculator calculator(options.record());
+    std::vector<uint8_t> pixels(36, 50);  // 4 x 3 pixels
+    OFCData frame{};
+    frame.Image = {pixels.data(), 4, 3, 12, 0};
+    EXPECT_TRUE((CallSlot<bool, OFCData>(&calculator, 8, frame))) << "NeedInitialize";
+    CallSlot<void, OFCData>(&calculator, 9, frame);  // DoInitialize
+    EXPECT_FALSE((CallSlot<bool, OFCData>(&calculator, 8, frame))) << "NeedInitialize";
+    CallSlot<void>(&calculator, 10);  // Dispose
+    auto result = FramedResult<OFCResult>();
+    EXPECT_THROW(calculator.GetResult(result.as<UpdateResult>()), std::logic_error) << "the result is gone";
+    EXPECT_FALSE((CallSlot<bool, OFCData>(&calculator, 8, frame))) << "the size stays";
+}
+
+TEST_F(UpdatableSlots, OfATrackerEndWithItsOverridesOfWhichTheSecondTrainsIt) {
+    auto options = FramedOptions<MosseTrackerOptions>();
+    MosseTracker tracker(options.record());
+    std::vector<uint8_t> pixels(std::size_t{16} * 16 * 3, 50);
+    MosseTrackerData frame{};
+    frame.Image = {pixels.data(), 16, 16, 48, 0};
+    frame.InitialRect = {2, 3, 8, 9};
+    EXPECT_TRUE((CallSlot<bool, MosseTrackerData>(&tracker, 8, frame))) << "NeedInitialize";
+    CallSlot<void, MosseTrackerData>(&tracker, 9, frame);  // DoInitialize
+    EXPECT_FALSE((CallSlot<bool, MosseTrackerData>(&tracker, 8, frame))) << "NeedInitialize";
+    auto result = FramedResult<MosseTrackerResult>(0xA5);
+    tracker.GetResult(result.as<UpdateResult>());
+    EXPECT_EQ(result->TargetRect.X, 2);
+    EXPECT_EQ(result->TargetRect.Width, 8);
+    EXPECT_EQ(result->Found, 0) << "nothing was searched yet";
 }
 
 TEST(UpdatableLayout, HasTheInterfaceThenTheOptionsThenTheInitializable) {
