@@ -30,13 +30,12 @@ HogSvmHumanClassifier::HogSvmHumanClassifier(ClassificationOptions* source) : Cl
 }
 
 ClassificationResult HogSvmHumanClassifier::DoProcess(ClassificationData data) {
-    const cv::Mat frame = quarry::PackedFrame(data.Frame);
-    if (frame.size() != frameSize) ReInit(data.Frame.width, data.Frame.height);
+    if (cv::Size(data.Frame.width, data.Frame.height) != frameSize) ReInit(data.Frame.width, data.Frame.height);
     std::vector<cv::Rect> areas;
     PrepareAreas(areas, data);
     foundRectangles.clear();
     foundWeights.clear();
-    FindResponse(frame, areas);
+    FindResponse(data.Frame, areas);
     ClassificationResult result = CreateClassificationResult(static_cast<int>(foundRectangles.size()));
     PrepareResult(result, foundRectangles, foundWeights);
     return result;
@@ -83,13 +82,14 @@ void HogSvmHumanClassifier::PrepareAreas(std::vector<cv::Rect>& areas, Classific
     std::transform(data.Areas, data.Areas + data.AreasCount, areas.begin(), toPixels);
 }
 
-void HogSvmHumanClassifier::FindResponse(const cv::Mat& frame, std::vector<cv::Rect>& areas) {
+void HogSvmHumanClassifier::FindResponse(const Image& frame, std::vector<cv::Rect>& areas) {
     std::vector<cv::Rect> rectangles;
     std::vector<double> weights;
     for (const cv::Rect& area : areas) {
         if (area.height <= minHeight || area.width <= descriptor.winSize.width) continue;
-        descriptor.detectMultiScale(quarry::RegionOf(frame, area), rectangles, weights, kHitThreshold, windowStride,
-                                    cv::Size(), scale, kFinalThreshold, false);
+        const cv::Mat searched = quarry::RegionOf(quarry::PackedFrame(frame), area);
+        descriptor.detectMultiScale(searched, rectangles, weights, kHitThreshold, windowStride, cv::Size(), scale,
+                                    kFinalThreshold, false);
         Filter(area, rectangles, weights);
     }
 }

@@ -19,8 +19,8 @@
 /// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
 /// @throws std::invalid_argument  `AreasCount` is negative, or `Areas` is null where some are counted; neither is read
 ///                                when `WholeFrame` is 1
-/// @throws cv::Exception          `data` is null while the frame is not empty, a side of the frame is negative, or an
-///                                area that is searched does not lie inside the frame
+/// @throws cv::Exception          a side of the frame is negative, or an area is searched while `data` is null or that
+///                                does not lie inside the frame
 class HogSvmHumanClassifier : public ClassificationProcessor {
 public:
     explicit HogSvmHumanClassifier(ClassificationOptions* source);
@@ -41,7 +41,7 @@ private:
     void PrepareAreas(std::vector<cv::Rect>& areas, ClassificationData data) const;
 
     /// Searches the areas of the frame, in order.
-    void FindResponse(const cv::Mat& frame, std::vector<cv::Rect>& areas);
+    void FindResponse(const Image& frame, std::vector<cv::Rect>& areas);
 
     /// Keeps the detections of one area that are wanted.
     void Filter(const cv::Rect& area, const std::vector<cv::Rect>& rectangles, const std::vector<double>& weights);

@@ -424,6 +424,13 @@ TEST_F(Hog, RefusesNullPixelsOfAFrameThatIsNotEmpty) {
     Detector().ExpectRefusal<cv::Exception>(Detector::WholeFrame({nullptr, 320, 240, 960, 0}));
 }
 
+TEST_F(Hog, DoesNotReadThePixelsWhereNothingIsSearched) {
+    const Image none{nullptr, 640, 480, 1920, 0};
+    const std::vector<RelRect> tooSmall = {{0, 0, 0.1F, 0.1F}};
+    EXPECT_TRUE(Detector().Find(Detector::Input(none, {})).empty());
+    EXPECT_TRUE(Detector().Find(Detector::Input(none, tooSmall)).empty());
+}
+
 TEST_F(Hog, RefusesANegativeSize) {
     const cv::Mat frame = RandomFrame(320, 240, 1);
     for (const cv::Size& size : {cv::Size(-320, 240), cv::Size(320, -240), cv::Size(-320, -240)}) {
