@@ -17,7 +17,8 @@
 /// Rows are packed (`width * 3` bytes), `stride` is not consulted. The result's buffers are this object's own, valid
 /// until the next Update or the end. A frame of another size begins a new model.
 /// @throws cv::Exception          `data` is null while the frame is not empty, or the frame is empty
-/// @throws std::invalid_argument  the frame has more bytes than a 32-bit size can say
+/// @throws std::invalid_argument  the frame has more bytes than a 32-bit size can say; where that wraps to a negative
+///                                size it is std::bad_alloc
 /// @throws std::logic_error       a result is asked for before a frame was taken in
 class BackgroundUpdatingSystem : public CVBackgroungModel {
 public:

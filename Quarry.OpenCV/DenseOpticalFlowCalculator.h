@@ -12,7 +12,8 @@
 /// object's own and valid until the next Update or the end. A frame of another size begins anew; a null frame
 /// gives no result and, if it is of the same size, leaves the previous frame in place.
 /// @throws cv::Exception          the frame has pixels but is empty
-/// @throws std::invalid_argument  the frame has more pixels than a 32-bit size can say
+/// @throws std::invalid_argument  the frame has more pixels than a 32-bit size can say; where that wraps to a negative
+///                                size it is std::bad_alloc
 class DenseOpticalFlowCalculator : public CVOpticalFlowCalculator {
 public:
     explicit DenseOpticalFlowCalculator(OFCOptions* source);

@@ -349,6 +349,14 @@ TEST(BackgroundUpdating, ReadsTheHostsFrameAgainForTheResult) {
     EXPECT_EQ(model.Result().ForegroundMask[5], 255);
 }
 
+TEST(BackgroundUpdating, LeavesThePixelsOfTheReservedImageAsAllocated) {
+    Model model;
+    for (int step = 0; step < 3; ++step) {
+        model.Update(MovingSquare(20, 10, step), kSecond * static_cast<uint64_t>(step + 1));
+        EXPECT_EQ(CountFresh(model.Result().ReservedImage->data, 20 * 10 * 3), 20 * 10 * 3) << "step " << step;
+    }
+}
+
 TEST(BackgroundUpdating, KeepsItsBuffersWhileTheSizeStays) {
     Model model;
     model.Update(MovingSquare(20, 10, 0), kSecond);

@@ -259,9 +259,9 @@ struct Factory {
     void (*create)(void** handle, Options* options);
 };
 
-/// Calls `test` with every factory.
+/// Calls `test` with the factory of a processor and with that of an updater.
 template <class Test>
-void ForEveryFactory(Test test) {
+void ForEitherFactory(Test test) {
     test(Factory<ProcessOptions>{"CreateCVLaplacianVarianceProcessor", CreateCVLaplacianVarianceProcessor});
     test(Factory<BackgroundOptions>{"CreateCVBackgroundModel", CreateCVBackgroundModel});
 }
@@ -274,7 +274,7 @@ auto FramedOptionsOf(const Factory<Options>& /*factory*/) {
 }
 
 TEST(Factories, WriteAHandleThatDisposeEnds) {
-    ForEveryFactory([](const auto& factory) {
+    ForEitherFactory([](const auto& factory) {
         auto options = FramedOptionsOf(factory);
         const std::size_t live = LiveBlocks();
         void* handle = nullptr;
@@ -286,7 +286,7 @@ TEST(Factories, WriteAHandleThatDisposeEnds) {
 }
 
 TEST(Factories, OverwriteWhatTheHostHadInTheHandle) {
-    ForEveryFactory([](const auto& factory) {
+    ForEitherFactory([](const auto& factory) {
         auto options = FramedOptionsOf(factory);
         void* handle = kUntouched;
         factory.create(&handle, options.record());
@@ -296,7 +296,7 @@ TEST(Factories, OverwriteWhatTheHostHadInTheHandle) {
 }
 
 TEST(Factories, KeepNothingWhenTheOptionsFrameIsWrong) {
-    ForEveryFactory([](const auto& factory) {
+    ForEitherFactory([](const auto& factory) {
         auto options = FramedOptionsOf(factory);
         for (const WrongFrame& frame : WrongFrames(sizeof(*options), QUARRY_OPTIONS_TAG)) {
             Apply(frame, options);
@@ -311,7 +311,7 @@ TEST(Factories, KeepNothingWhenTheOptionsFrameIsWrong) {
 
 TEST(Factories, KeepNothingWhenMemoryEnds) {
     constexpr std::size_t kHandleAndTarget = 2;
-    ForEveryFactory([](const auto& factory) {
+    ForEitherFactory([](const auto& factory) {
         auto options = FramedOptionsOf(factory);
         for (std::size_t served = 0; served < kHandleAndTarget; ++served) {
             const std::size_t live = LiveBlocks();
@@ -333,7 +333,7 @@ TEST(Factories, KeepNothingWhenMemoryEnds) {
 }
 
 TEST(Factories, ThrowInvalidArgumentForNullOptions) {
-    ForEveryFactory([](const auto& factory) {
+    ForEitherFactory([](const auto& factory) {
         const std::size_t live = LiveBlocks();
         void* handle = kUntouched;
         EXPECT_THROW(factory.create(&handle, nullptr), std::invalid_argument) << factory.name;
@@ -343,7 +343,7 @@ TEST(Factories, ThrowInvalidArgumentForNullOptions) {
 }
 
 TEST(Factories, ThrowInvalidArgumentForANullAddressOfTheHandle) {
-    ForEveryFactory([](const auto& factory) {
+    ForEitherFactory([](const auto& factory) {
         auto options = FramedOptionsOf(factory);
         const std::size_t live = LiveBlocks();
         EXPECT_THROW(factory.create(nullptr, options.record()), std::invalid_argument) << factory.name;
@@ -352,7 +352,7 @@ TEST(Factories, ThrowInvalidArgumentForANullAddressOfTheHandle) {
 }
 
 TEST(Factories, LeaveTheHostsOptionsAsTheyAre) {
-    ForEveryFactory([](const auto& factory) {
+    ForEitherFactory([](const auto& factory) {
         auto options = FramedOptionsOf(factory);
         std::memset(options.record(), 0x3A, sizeof(*options));
         const auto before = options.Bytes();

@@ -207,6 +207,18 @@ TYPED_TEST(FramingOfEveryOperation, IsCheckedForOptions) {
     }
 }
 
+TYPED_TEST(FramingOfEveryOperation, IsNotLookedForAroundNullOptions) {
+    void* untouched = kUntouched;
+    EXPECT_THROW(this->create(&untouched, nullptr), std::invalid_argument);
+    EXPECT_EQ(untouched, kUntouched);
+}
+
+TYPED_TEST(FramingOfEveryOperation, OfOptionsNeedsAnAddressForTheHandle) {
+    auto options = FramedOptions<typename TypeParam::Options>();
+    GiveWhatIsNeeded(*options);
+    EXPECT_THROW(this->create(nullptr, options.record()), std::invalid_argument);
+}
+
 TYPED_TEST(FramingOfEveryOperation, IsCheckedForTheInput) {
     using Input = typename TypeParam::Input;
     for (const WrongFrame& wrong : WrongFrames(sizeof(Input), QUARRY_INPUT_TAG)) {

@@ -114,6 +114,27 @@ static void TellsOfALackOfMemory(void) {
     GuardDispose(handle);
 }
 
+static void CutsALongReason(void) {
+    QUARRY_FRAMED(ClassificationOptions)
+    modelOptions = {0, sizeof(ClassificationOptions), {0}, QUARRY_OPTIONS_TAG};
+    static const char kName[] = "quarry-guard-broken.xml";
+    enum { kDetour = 1200 };
+    char path[kDetour + sizeof(kName)];
+    void* handle = NULL;
+    FILE* const model = fopen(kName, "w");
+    Check(model != NULL && fputs("<?xml version=\"1.0\"?>\n<opencv_storage>\n<a></b>\n", model) >= 0,
+          "a model is there");
+    if (model != NULL) fclose(model);
+    for (int i = 0; i < kDetour; ++i) path[i] = i % 2 == 0 ? '.' : '/';
+    memcpy(path + kDetour, kName, sizeof(kName));
+    modelOptions.Record.CascadePath = path;
+    Check(GuardCreateCVCascadeClassifier(&handle, &modelOptions.Record) == GuardOpenCV,
+          "OpenCV names the broken model");
+    Check(strlen(GuardMessage()) == 511, "a long reason is cut");
+    Check(GuardDispose(NULL) == GuardOk && strcmp(GuardMessage(), "") == 0, "and forgotten");
+    remove(kName);
+}
+
 static void ReleasesTheGrid(void) {
     QUARRY_FRAMED(ContourMaskProcessorOptions)
     gridOptions = {0, sizeof(ContourMaskProcessorOptions), {0, 0.5F, 0.0F}, QUARRY_OPTIONS_TAG};
@@ -162,6 +183,7 @@ int main(void) {
     TellsWhatOpenCVRefuses();
     TellsOfALackOfMemory();
     ReleasesTheGrid();
+    CutsALongReason();
     KeepsAMessagePerThread();
     return failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
