@@ -11,8 +11,8 @@
 /// The mask is read in place during the call and left as it is; its rows are packed. The contour belongs to the result,
 /// which the host gives back with DisposeResult, also when it has no points.
 /// @throws MarshalingException  a record's length word or tag is wrong; the result record is untouched
-/// @throws cv::Exception        `data` is null while the mask is not empty, the rectangle does not lie inside the mask,
-///                              or `ApproximationMethod` is unknown
+/// @throws cv::Exception        the mask is empty or its `data` null, the rectangle does not lie inside the mask, or
+///                              `ApproximationMethod` is unknown or 0, which gives no points
 class ContourCalcingProcessor : public Processor<ContourCalcingOptions, ContourCalcingInputData, ContourResult> {
 public:
     using Processor::Processor;

@@ -25,12 +25,13 @@ Region RegionOf(const ContourCalcingInputData& input) {
     const cv::Rect_<int64_t> rect(pixel(input.ObjectRect.X * width), pixel(input.ObjectRect.Y * height),
                                   pixel(input.ObjectRect.Width * width), pixel(input.ObjectRect.Height * height));
     const cv::Mat whole(mask.height, mask.width, CV_8UC1, mask.data, static_cast<std::size_t>(mask.width));
+    CV_Assert(!whole.empty());
     CV_Assert(rect.x >= 0 && rect.y >= 0 && rect.width >= 0 && rect.height >= 0);
     CV_Assert(rect.x + rect.width <= mask.width && rect.y + rect.height <= mask.height);
     return {cv::Point(rect.tl()), whole(cv::Rect(rect)).clone()};
 }
 
-/// In 32 bits, wrapping: method 0 gives chain codes, which are no points and far apart.
+/// In 32 bits, wrapping.
 int32_t SquaredDiagonal(const cv::Size& box) {
     const auto width = static_cast<uint32_t>(box.width);
     const auto height = static_cast<uint32_t>(box.height);
@@ -39,6 +40,7 @@ int32_t SquaredDiagonal(const cv::Size& box) {
 
 /// The contour with the highest rate above 0, the first of equals; empty when there is none.
 PixelContour Chosen(const Region& region, const ContourCalcingOptions& options) {
+    CV_Assert(options.ApproximationMethod != 0);  // chain codes are no points
     std::vector<PixelContour> contours;
     cv::findContours(region.pixels, contours, cv::RETR_LIST, options.ApproximationMethod);
     PixelContour best;
