@@ -18,9 +18,9 @@
 /// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
 /// @throws std::invalid_argument  `Mode` is above 2 or `CascadePath` is null (when created), or `Areas` is null
 /// @throws cv::Exception          `CascadePath` is empty, or names a file that OpenCV cannot parse (when created);
-///                                `data` is null while the frame is not empty, the area does not lie inside the frame,
-///                                or no model was loaded: that there is no such file is found out at each call and not
-///                                before
+///                                `data` is null while the frame is not empty, the area does not lie inside the frame
+///                                or has no pixels, or no model was loaded: that there is no such file is found out at
+///                                each call and not before
 class CascadeClassifier : public ClassificationProcessor {
 public:
     explicit CascadeClassifier(ClassificationOptions* source);

@@ -14,7 +14,9 @@
 /// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
 /// @throws std::invalid_argument  a side of the options' size is negative, or the frame's `stride` leaves no room for
 ///                                the packed rows of the result
-/// @throws cv::Exception          `data` is null while the size is not empty, or the size is empty
+/// @throws cv::Exception          `data` is null while the size is not empty, the size is empty, or a side is 32767
+///                                pixels or more
+/// @throws std::bad_alloc         memory ends, or `height * stride` wraps to a negative number
 class RotationTransformProcessor : public Processor<TransformOptions, RotationTransformData, TransformResult> {
 public:
     using Processor::Processor;

@@ -31,8 +31,8 @@ Operation ObjectContour() {
                       QUARRY_FIELD(ContourResult, Contour, "relative to the mask; no points: nothing was found")),
         {kWrongFrame,
          {"cv::Exception",
-          "data is null while the mask is not empty, the rectangle does not lie inside the mask, or "
-          "ApproximationMethod is unknown"}}};
+          "the mask is empty or its data null, the rectangle does not lie inside the mask, or ApproximationMethod is "
+          "unknown or 0"}}};
 }
 
 Operation OccupancyGrid() {

@@ -5,32 +5,32 @@ namespace quarry::host {
 namespace {
 
 Operation DenseOpticalFlow() {
-    return {
-        "dense-optical-flow",
-        "How far every pixel moved from the previous frame to the current one",
-        Kind::Updater,
-        "CreateCVDenseOpticalFlowCalculator",
-        "flow",
-        "Farneback, SCIA 2003",
-        QUARRY_RECORD(
-            OFCOptions, "How fine the flow is. A value outside 0..1, or not a number, leaves the default.",
-            QUARRY_FIELD(OFCOptions, Header, kHeader),
-            QUARRY_FIELD(OFCOptions, Detail, "0..1: side of the averaging window, 27 to 7 pixels; 18 by default"),
-            QUARRY_FIELD(OFCOptions, Reserved, kNotRead),
-            QUARRY_FIELD(OFCOptions, Quality,
-                         "0..1: pyramid levels and iterations, 0 to 10 each (1 iteration at exactly 0), "
-                         "Gaussian window above 0.7; 5 and 3 by default")),
-        QUARRY_RECORD(
-            OFCData,
-            "The next frame; one of another size, null or not, begins anew, one with null data gives no result.",
-            QUARRY_FIELD(OFCData, Header, kHeader), QUARRY_FIELD(OFCData, Image, kRgb)),
-        QUARRY_RECORD(OFCResult, "The flow. The buffer stays the updater's, valid until the next Update.",
-                      QUARRY_FIELD(OFCResult, Status, kStatus),
-                      QUARRY_FIELD(OFCResult, FlowMatrix, "where each pixel of the previous frame moved to, pixels")),
-        {kWrongFrame,
-         {"cv::Exception", "data is not null but the frame is empty"},
-         {"std::invalid_argument", "the frame has more than 2147483647 pixels"},
-         kNoResultYet}};
+    return {"dense-optical-flow",
+            "How far every pixel moved from the previous frame to the current one",
+            Kind::Updater,
+            "CreateCVDenseOpticalFlowCalculator",
+            "flow",
+            "Farneback, SCIA 2003",
+            QUARRY_RECORD(
+                OFCOptions, "How fine the flow is. A value outside 0..1, or not a number, leaves the default.",
+                QUARRY_FIELD(OFCOptions, Header, kHeader),
+                QUARRY_FIELD(OFCOptions, Detail, "0..1: side of the averaging window, 27 to 7 pixels; 18 by default"),
+                QUARRY_FIELD(OFCOptions, Reserved, kNotRead),
+                QUARRY_FIELD(OFCOptions, Quality,
+                             "0..1: pyramid levels and iterations, 0 to 10 each (1 iteration at exactly 0), "
+                             "Gaussian window above 0.7; 5 and 3 by default")),
+            QUARRY_RECORD(
+                OFCData,
+                "The next frame; one of another size, null or not, begins anew, one with null data gives no result.",
+                QUARRY_FIELD(OFCData, Header, kHeader), QUARRY_FIELD(OFCData, Image, kRgb)),
+            QUARRY_RECORD(OFCResult, "The flow. The buffer stays the updater's, valid until the next Update.",
+                          QUARRY_FIELD(OFCResult, Status, kStatus),
+                          QUARRY_FIELD(OFCResult, FlowMatrix,
+                                       "how far each pixel of the previous frame moved, right and down, pixels")),
+            {kWrongFrame,
+             {"cv::Exception", "data is not null but the frame is empty"},
+             {"std::invalid_argument", "the frame has more than 2147483647 pixels"},
+             kNoResultYet}};
 }
 
 Operation OpticalFlowLine() {

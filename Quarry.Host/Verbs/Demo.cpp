@@ -15,6 +15,11 @@
 namespace quarry::host {
 namespace {
 
+constexpr const char* kFooter = R"(Without footage it draws scenes of its own. The page is one file, pictures included.
+
+Example:
+  quarry demo --media media --out demo)";
+
 struct Options {
     std::string media = "media";
     std::string out = "demo";
@@ -51,6 +56,7 @@ Verb AddDemo(CLI::App& commandLine) {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = commandLine.add_subcommand(
         "demo", "Runs every operation on real footage and writes one page that shows what came out");
+    command->footer(kFooter);
     command->add_option("--media", options->media, "Folder with vtest.avi and pictures")->capture_default_str();
     command->add_option("--out", options->out, "Folder to write report.html to")->capture_default_str();
     command->add_option("--cascade", options->faceModel, "Model of faces for the detector; without it, it does not run")

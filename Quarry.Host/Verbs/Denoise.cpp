@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* kFooter = R"(Every pixel becomes the mean of those whose surroundings look like its own (non-local
 means), so that noise averages out and edges stay. The strength is fixed. Large pictures
-take a while: about a second per 300,000 pixels.
+take a while: about half a second per 300,000 pixels.
 
 How much was taken out is told in two ways:
   mean  mean absolute difference between the picture and its denoised copy, in grey levels

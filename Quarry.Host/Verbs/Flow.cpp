@@ -30,9 +30,9 @@ start to its end, in pixels per frame, positive to the right of somebody who wal
 X and Y are fractions of the frame's width and height. A value may be not a number (null in
 JSON) where the motion is nearly none. --plot draws the values over time.
 
-This is slow: some 50 to 500 ms per frame, depending on its size and on --quality. --quality
-below 0.1 looks at the finest level only and misses fast motion; above 0.7 it is at its
-finest and slowest.
+This is slow: some 50 to 500 ms per frame, depending on its size and on --quality. --quality 0
+looks at the finest level only and misses fast motion; between 0 and 0.1 nothing is computed
+and the motion is 0; above 0.7 it is at its finest and slowest.
 
 Examples:
   quarry flow street.avi --out street-flow.avi

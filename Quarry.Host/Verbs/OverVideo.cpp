@@ -74,7 +74,8 @@ int Play(const VideoOptions& options, const std::string& label, FrameByFrame& ve
 void AddVideoOptions(CLI::App& command, VideoOptions& options, const std::string& shown) {
     command
         .add_option("VIDEO", options.video,
-                    "Video to read; or a folder of pictures, a pattern of their names, or a camera's number")
+                    "Video to read; or a folder of pictures or a pattern of their names in quotes ('shots/*.png'), "
+                    "25 to the second, or a camera's number")
         ->required();
     command.add_option("--out,--annotate", options.annotated, "Write the video with " + shown + " here")
         ->check(EndsIn({".avi"}));

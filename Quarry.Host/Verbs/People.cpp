@@ -19,8 +19,8 @@ namespace {
 constexpr const char* kFooter =
     R"(Finds people who stand or walk and are seen as a whole. Each frame is searched for itself: who
 is found in one may be missed in the next. The rectangles have a margin around the person, and
-none is lower than 128 pixels; where the people are smaller, enlarge the video. Of an --area
-64 pixels wide or narrower, or 128 pixels high or lower, nothing is searched.
+none is less than 128 pixels high; where the people are smaller, enlarge the video. Of an --area
+64 pixels wide or narrower, or 128 pixels high or less, nothing is searched.
 
 --sensitivity has four steps, which end at 0.25, 0.5, 0.75 and 1; each is some 2 to 5 times
 slower than the one before. Per frame the table gives the number of people; with --json there
@@ -93,13 +93,13 @@ std::unique_ptr<FrameByFrame> Begin(const Options& options) {
 Beginning AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
     PeopleDetector::Options& detector = options->detector;
-    command.add_option("--sensitivity", detector.sensitivity, "How finely, and how slowly, is searched")
+    command.add_option("--sensitivity", detector.sensitivity, "How finely, and thus how slowly, it searches")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command.add_option("--min-size", detector.minHeight, "Lowest person, as a share of the frame's height")
+    command.add_option("--min-size", detector.minHeight, "Height of the smallest person, as a share of the frame's")
         ->check(Within(0, 1))
         ->capture_default_str();
-    command.add_option("--max-size", detector.maxHeight, "Highest person, as a share of the frame's height")
+    command.add_option("--max-size", detector.maxHeight, "Height of the tallest person, as a share of the frame's")
         ->check(Within(0, 1))
         ->capture_default_str();
     command

@@ -52,7 +52,7 @@ std::string Shown::Place(const VideoFrame& frame) {
 }
 
 void AddPictureOrVideoOptions(CLI::App& command, VideoOptions& options, const std::string& shown) {
-    command.add_option("INPUT", options.video, "Picture or video to read")->required();
+    command.add_option("INPUT", options.video, "Picture or video to read, or a folder of pictures")->required();
     command
         .add_option("--out", options.annotated,
                     "Write it with " + shown + " here: a picture as .png or .jpg, a video as .avi")

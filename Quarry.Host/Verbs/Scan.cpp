@@ -188,7 +188,7 @@ Verb AddScan(CLI::App& commandLine) {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = commandLine.add_subcommand(
         "scan",
-        "Does what a verb does with each of many videos, in any number of processes, so that none is done twice");
+        "Does what a verb does with each of many videos; what is done is skipped, and processes can share the work");
     command->footer(kFooter);
     command->require_subcommand(0, 1);
     command->add_option("--manifest", options->manifest, "The videos: a folder, a text file with their names, or -")

@@ -9,7 +9,8 @@
 /// record is stopped with a MarshalingException instead of corrupting memory. All numbers are little-endian.
 ///
 /// Options and input records begin with a 32-bit `Header` that is the host's to use: the library never reads it.
-/// Result records begin with a 32-bit `Status` that the library sets to 0 whenever it fills the record.
+/// Most result records begin with a 32-bit `Status` that the library sets to 0 whenever it fills the record; of the
+/// others it leaves the first eight bytes as they are.
 #pragma once
 
 #include <assert.h>

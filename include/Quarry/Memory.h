@@ -60,7 +60,7 @@ QUARRY_API void DestroyFloatImage(FloatImage*& image);
 QUARRY_API AbsVectorMatrix* CreateAbsVectorMatrix(int width, int height);
 QUARRY_API void DestroyAbsVectorMatrix(AbsVectorMatrix*& matrix);
 
-/// The centre is (0, 0); `count` is that of the contour's points.
+/// The centre is (0, 0); `count` is that of the contour's points. The caller ends the record itself with `delete`.
 QUARRY_API Cluster* CreateCluster(int count);
 /// Destroys the cluster's contour alone: clusters live in arrays, so the record stays and `cluster` keeps pointing at
 /// it.
@@ -69,7 +69,7 @@ QUARRY_API void DestroyCluster(Cluster*& cluster);
 /// Fills `*out`. The third float becomes `Height` and the fourth `Width`: the order is part of the interface.
 /// @throws std::invalid_argument  `out` is null
 QUARRY_API void CreateResponse(float a, float b, float c, float d, double weight, Response* out);
-/// Releases a record that was made with `new`.
+/// Releases the record itself, which was made with `new`.
 QUARRY_API void DestroyResponse(Response* response);
 
 /// @}

@@ -8,13 +8,14 @@
 /// 2. **One thread per handle** at a time. Distinct handles share nothing and may run side by side.
 /// 3. **A record is framed** by a length word before it and a tag after it (Framing.h). Only its address is passed, and
 ///    the library keeps neither options nor input records after the call.
-/// 4. **Input buffers stay the host's** and are read in place during the call.
+/// 4. **Input buffers stay the host's** and are read in place during the call, unless an operation says otherwise.
 /// 5. **Result buffers of a processor go back through `DisposeResult`**, once, before the record is filled again.
 ///    Those of an updater stay the updater's: valid until its next `Update` or `Dispose`, never given back.
 /// 6. **Failures are C++ exceptions**, thrown through these functions: MarshalingException for a wrong frame,
-///    `cv::Exception` for what OpenCV refuses, `std::bad_alloc` for memory, `std::invalid_argument` for a handle or a
-///    pointer that is null or of the wrong kind, `std::logic_error` for a call out of turn. A call that fails leaves
-///    the host's record, the handle and `*handle` as they were, unless an operation says otherwise.
+///    `cv::Exception` for what OpenCV refuses (null pixels among it), `std::bad_alloc` for memory,
+///    `std::invalid_argument` for a handle or a pointer that is null or of the wrong kind and for a field out of its
+///    range, `std::logic_error` for a call out of turn. A call that fails leaves the host's record, the handle and
+///    `*handle` as they were, unless an operation says otherwise.
 #pragma once
 
 #include "Quarry/Export.h"
@@ -61,7 +62,7 @@ typedef struct UpdateResult UpdateResult;
 
 /// How far an updater has come.
 enum UpdaterState {
-    NoResult = 0,      ///< nothing computed yet
+    NoResult = 0,      ///< nothing computed yet, or nothing of this frame
     Accumulating = 1,  ///< frames are taken in, the result is not final
     Ready = 2          ///< the result reflects a complete computation
 };
@@ -78,7 +79,7 @@ QUARRY_API void DisposeResult(void* handle, ProcessResult* result);
 QUARRY_API int32_t Update(void* handle, UpdateData* data);
 
 /// Fills the record with the updater's current result; its buffers stay the updater's.
-/// @throws std::logic_error  no frame has been taken since the updater was (re)initialised
+/// @throws std::logic_error  there is none: no `Update` yet, or the last one that began anew failed
 QUARRY_API void GetUpdateResult(void* handle, UpdateResult* result);
 
 /// Ends a handle and everything it owns. Null is allowed and does nothing.
@@ -97,7 +98,8 @@ QUARRY_API void CreateCVColorComparator(void** handle, ColorComparingOptions* op
 /// A contour that counts 0 points aborts the process.
 QUARRY_API void CreateCVContourRateCalculator(void** handle, ContourRateMeasuringOptions* options);
 
-/// Background model: takes BackgroundData, gives BackgroundResult (updater).
+/// Background model: takes BackgroundData, gives BackgroundResult (updater). GetUpdateResult reads the last frame's
+/// pixels again. An Update that fails over a frame of another size may have ended the buffers of earlier results.
 QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* options);
 
 /// People detector: takes ClassificationData, gives ClassificationResult (processor).
@@ -106,9 +108,11 @@ QUARRY_API void CreateCVHogSvmHumanClassifier(void** handle, ClassificationOptio
 /// Cascade detector: takes ClassificationData, gives ClassificationResult (processor). The model is read here; that
 /// there is none is found out at Process, as an exception of OpenCV.
 /// @throws std::invalid_argument  `Mode` is above 2, or `CascadePath` is null
+/// @throws cv::Exception          `CascadePath` is empty, or what is there cannot be parsed
 QUARRY_API void CreateCVCascadeClassifier(void** handle, ClassificationOptions* options);
 
-/// Dense optical flow: takes OFCData, gives OFCResult (updater).
+/// Dense optical flow: takes OFCData, gives OFCResult (updater). An Update that fails may have begun to write into the
+/// result or, over a frame of another size, have ended the buffer of earlier results.
 QUARRY_API void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options);
 
 /// Motion across a line: takes OFLineData, gives OFLineResult (processor).

@@ -31,7 +31,7 @@ mask: (height, width) of uint8; what is not zero is foreground
 area: around the object: x, y, width, height in fractions of the mask
 copy: whether to copy a mask that is not C-contiguous; it is refused otherwise
 raises ValueError: the mask is of another type or shape
-raises OpenCVError: the area does not lie inside the mask)");
+raises OpenCVError: the mask is empty, or the area does not lie inside it)");
 }
 
 void AddBlobs(py::module_& module) {

@@ -43,7 +43,7 @@ frame: (height, width, 3) of uint8, B, G, R; each side 1 or more
 area: where to look: x, y, width, height in fractions of the frame
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type or shape
-raises OpenCVError: the area does not lie inside the frame, or the file holds no cascade)");
+raises OpenCVError: the area does not lie inside the frame or has no pixels, or the file holds no cascade)");
 }
 
 void AddPeople(py::module_& module) {
@@ -56,7 +56,8 @@ void AddPeople(py::module_& module) {
              py::kw_only(), py::arg("sensitivity") = defaults.sensitivity, py::arg("min_height") = defaults.minHeight,
              py::arg("max_height") = defaults.maxHeight,
              R"(sensitivity: 0 to 1, higher searches finer and slower
-min_height, max_height: of a person, in fractions of the frame's height; 128 pixels at least
+min_height, max_height: of a person, in fractions of the frame's height; min_height counts as 128 pixels at least, so
+    that a max_height below that finds nobody
 
 raises ValueError: sensitivity is not in 0 to 1)")
         .def(

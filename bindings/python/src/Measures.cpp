@@ -56,10 +56,11 @@ void AddSimilarity(py::module_& module) {
                 const Values other("second", second);
                 return self.Run([&](auto& similarity) { return similarity(one, other); });
             },
-            py::arg("first"), py::arg("second"), R"(The cosine, -1 to 1; not a number when one embedding is all zeros.
+            py::arg("first"), py::arg("second"),
+            R"(The cosine, -1 to 1 but for rounding; not a number when one embedding is all zeros.
 
 first, second: (512,) of float32; others are converted
-raises ValueError: an embedding has not 512 values)");
+raises ValueError: an embedding does not have 512 values)");
 
     Class<ColorComparison>(module, "ColorComparison", "How alike the colours of one region are in two frames.")
         .def(py::init([](HistogramMeasure measure) {

@@ -54,7 +54,7 @@ public:
 
     /// @param mask  non-zero bytes are foreground
     /// @param area  around the object, relative to the frame
-    /// @throws cv::Exception  the area does not lie inside the mask
+    /// @throws cv::Exception  the mask is empty, or the area does not lie inside it
     OutlineResult operator()(const MaskView& mask, const RelRect& area) {
         return {handle(), ContourCalcingInputData{0, mask.record(), area}};
     }

@@ -40,7 +40,7 @@ public:
 
     /// @param area  where to look, relative to the frame
     /// @return rectangles as fractions of the **area**, not of the frame; weights are not set
-    /// @throws cv::Exception  the area does not lie inside the frame, or the file holds no cascade
+    /// @throws cv::Exception  the area does not lie inside the frame or has no pixels, or the file holds no cascade
     Detections operator()(const ImageView& frame, const RelRect& area = kWholeFrame) {
         return {handle(), ClassificationData{0, frame.record(), 0, {}, 1, &area}};
     }

@@ -131,7 +131,8 @@ public:
 
     /// @param degrees  positive turns counter-clockwise
     /// @param scale    of the picture on its canvas; the canvas stays
-    /// @throws std::invalid_argument  the frame has not the options' size
+    /// @throws std::invalid_argument  the frame does not have the options' size
+    /// @throws cv::Exception          a side is 32767 pixels or more
     Picture operator()(const ImageView& frame, double degrees, double scale = 1) {
         if (frame.width() != size.width || frame.height() != size.height) {
             detail::Refuse("quarry::RotationTransform: the frame is " +

@@ -49,7 +49,7 @@ public:
     }
 };
 
-/// Cosine of the angle between two embeddings, -1..1; not a number when one is all zeros.
+/// Cosine of the angle between two embeddings, -1..1 but for rounding; not a number when one is all zeros.
 class CosineSimilarity : public detail::Processor<CreateCVCosineSimilarity, EmbeddingData, CosineOutputData> {
 public:
     struct Options {};
@@ -57,7 +57,7 @@ public:
 
     explicit CosineSimilarity(const Options& /*options*/ = {}) : Processor(ProcessOptions{}) {}
 
-    /// @throws std::invalid_argument  an embedding has not 512 values
+    /// @throws std::invalid_argument  an embedding does not have 512 values
     double operator()(Span<float> first, Span<float> second) {
         return Value({0, 0, Checked("first", first), 0, Checked("second", second)}).Similarity;
     }

@@ -9,7 +9,7 @@ typedef struct BackgroundOptions {
     uint32_t Header;
     float Sensitivity;      ///< 0..1: grey levels above 60 - 20 x `Sensitivity` are foreground
     int32_t HistoryLength;  ///< frames of history; counts only where no rate follows from the times
-    float AdaptationTime;   ///< seconds in which a change takes over 88 % of the background, once it is learnt
+    float AdaptationTime;   ///< seconds in which 88 % of the background are replaced, once it is learnt
     float LearningSpeedup;  ///< divides `AdaptationTime` while the background is being learnt; 0 divides nothing
 } BackgroundOptions;
 

@@ -23,7 +23,7 @@ QUARRY_LAYOUT_FIELD(EmbeddingData, SecondEmbedding, 32);
 /// Similarity; holds no buffer.
 typedef struct CosineOutputData {
     int32_t Status;     ///< always 0
-    double Similarity;  ///< cosine of the angle between the embeddings, -1..1
+    double Similarity;  ///< cosine of the angle between the embeddings, -1..1 but for rounding
 } CosineOutputData;
 
 QUARRY_LAYOUT_SIZE(CosineOutputData, 16);

@@ -31,7 +31,7 @@ QUARRY_LAYOUT_FIELD(OFCData, Image, 8);
 /// The flow. The buffer stays the updater's: valid until the next `Update` or `Dispose`.
 typedef struct OFCResult {
     int32_t Status;               ///< always 0
-    AbsVectorMatrix* FlowMatrix;  ///< where each pixel of the previous frame moved to, in pixels
+    AbsVectorMatrix* FlowMatrix;  ///< how far each pixel of the previous frame moved, right and down, in pixels
 } OFCResult;
 
 QUARRY_LAYOUT_SIZE(OFCResult, 16);
