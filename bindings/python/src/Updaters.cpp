@@ -130,7 +130,8 @@ target: x, y, width, height in pixels; 2 x 2 or more
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type or shape, or a value of the target does not fit 16 bits
 raises RuntimeError: it was started before: another target takes another tracker
-raises OpenCVError: the target is too small; the tracker can be started again)")
+raises OpenCVError: the target is too small; the tracker can be started again
+raises MemoryError: create another tracker)")
         .def(
             "update",
             [](Locked<MosseTracker>& self, const py::array& frame, bool copy) {

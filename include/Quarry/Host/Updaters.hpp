@@ -170,6 +170,7 @@ public:
     /// @throws std::invalid_argument  a value of the rectangle does not fit 16 bits
     /// @throws std::logic_error       it was started before: another target takes another tracker
     /// @throws cv::Exception          the frame is empty, or the rectangle too small; the tracker can be started again
+    /// @throws std::bad_alloc         memory ended (`cv::Exception` may say so, too): create another tracker
     bool Start(const ImageView& frame, const Box& target) {
         if (started)
             throw std::logic_error("quarry::MosseTracker: it follows a target already; create another tracker");
