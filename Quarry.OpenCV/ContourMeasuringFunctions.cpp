@@ -32,7 +32,7 @@ double Score(const std::vector<cv::Point>& contour, int selectionMode) {
 
 std::vector<cv::Point> ContourMeasuringFunctions::GetObjectContour(cv::Rect rect, cv::Mat& mask, int method,
                                                                    int selectionMode) {
-    // OpenCV says no to neither in every release; chain codes are no points, and are read as if they were.
+    // Not every release of OpenCV refuses these. Chain codes would come out as points, which they are not.
     CV_Assert(!mask.empty());
     CV_Assert(method != kChainCodes);
     cv::Mat region = quarry::RegionOf(mask, rect);
