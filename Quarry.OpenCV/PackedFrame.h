@@ -26,10 +26,11 @@ inline cv::Mat PackedFrame(const Image& image) {
 /// @throws std::invalid_argument  either side is negative
 void CheckFrameSize(const char* field, int width, int height);
 
-/// Checks that a buffer of `height * stride` bytes has room for the packed frame that will be written into it.
-/// An empty frame needs none.
+/// Checks that a buffer of `height * stride` bytes, counted in 32 bits, has room for the packed frame that will be
+/// written into it. An empty frame needs none.
 /// @param field  the record's field that says so, for the message
-/// @throws std::invalid_argument  `stride` is below `width * 3`, or the product does not fit 32 bits
+/// @throws std::invalid_argument  `stride` is below `width * 3` or does not fit 32 bits, or the product wraps to fewer
+///                                bytes than the frame has
 void CheckRoomForPackedFrame(const char* field, int width, int height, int64_t stride);
 
 }  // namespace quarry

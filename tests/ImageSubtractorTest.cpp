@@ -300,6 +300,19 @@ TEST_F(ImageSubtractor, RefusesASizeWhoseBufferWouldWrapToASmallOne) {
     ExpectRefusal<std::invalid_argument>({pixel, 1, 4, 1 << 30, 0}, {pixel, 0, 0, 0, 0});
 }
 
+TEST_F(ImageSubtractor, TakesABufferThatWrapsAsLongAsItHasRoom) {
+    constexpr int kHeight = 65536;
+    const cv::Mat first = RandomFrame(1, kHeight, 1);
+    const cv::Mat second = RandomFrame(1, kHeight, 2);
+    Image image = ImageOf(first);
+    image.stride = kHeight + 3;  // 3 bytes for each row
+    EXPECT_TRUE(StartsWith(Difference(handle, image, ImageOf(second))->data, Reference(first, second)));
+    image.stride = kHeight + 2;
+    ExpectRefusal<std::invalid_argument>(image, ImageOf(second),
+                                         "BinaryImageOperationData.FirstImage: height 65536 x stride 65538; at most "
+                                         "2147483647 is allowed");
+}
+
 TEST_F(ImageSubtractor, FailsAsAnAllocationWhenTheBufferWrapsToANegativeSize) {
     uint8_t pixel[3] = {};
     ExpectRefusal<std::bad_alloc>({pixel, 1, 2, 1 << 30, 0}, {pixel, 0, 0, 0, 0});
