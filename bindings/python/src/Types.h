@@ -28,39 +28,32 @@ inline py::object RectTuple(const RelRect& rect) {
     return Tuple("RelRect", rect.X, rect.Y, rect.Width, rect.Height);
 }
 
-/// What an enumeration is called in Python.
-inline constexpr auto NameOf(CascadeMode /*of*/) {
-    return py::detail::const_name("CascadeMode");
-}
-inline constexpr auto NameOf(ContourPosition /*of*/) {
-    return py::detail::const_name("ContourPosition");
-}
-inline constexpr auto NameOf(HistogramMeasure /*of*/) {
-    return py::detail::const_name("HistogramMeasure");
-}
-inline constexpr auto NameOf(Interpolation /*of*/) {
-    return py::detail::const_name("Interpolation");
-}
-inline constexpr auto NameOf(Selection /*of*/) {
-    return py::detail::const_name("Selection");
-}
-inline constexpr auto NameOf(ShapeMeasure /*of*/) {
-    return py::detail::const_name("ShapeMeasure");
-}
-inline constexpr auto NameOf(Tracing /*of*/) {
-    return py::detail::const_name("Tracing");
-}
-inline constexpr auto NameOf(TrackerMode /*of*/) {
-    return py::detail::const_name("TrackerMode");
-}
-inline constexpr auto NameOf(UpdaterState /*of*/) {
-    return py::detail::const_name("State");
-}
+/// What an enumeration is called in Python; null for all other types.
+template <class Type>
+inline constexpr auto kNameOf = nullptr;
+template <>
+inline constexpr auto kNameOf<CascadeMode> = py::detail::const_name("CascadeMode");
+template <>
+inline constexpr auto kNameOf<ContourPosition> = py::detail::const_name("ContourPosition");
+template <>
+inline constexpr auto kNameOf<HistogramMeasure> = py::detail::const_name("HistogramMeasure");
+template <>
+inline constexpr auto kNameOf<Interpolation> = py::detail::const_name("Interpolation");
+template <>
+inline constexpr auto kNameOf<Selection> = py::detail::const_name("Selection");
+template <>
+inline constexpr auto kNameOf<ShapeMeasure> = py::detail::const_name("ShapeMeasure");
+template <>
+inline constexpr auto kNameOf<Tracing> = py::detail::const_name("Tracing");
+template <>
+inline constexpr auto kNameOf<TrackerMode> = py::detail::const_name("TrackerMode");
+template <>
+inline constexpr auto kNameOf<UpdaterState> = py::detail::const_name("State");
 
 /// Converts between an enumeration and its class in quarry/_types.py, whose members have the same numbers.
 template <class Enum>
 struct EnumCaster {
-    PYBIND11_TYPE_CASTER(Enum, NameOf(Enum{}));
+    PYBIND11_TYPE_CASTER(Enum, kNameOf<Enum>);
 
     bool load(py::handle given, bool /*convert*/) {
         if (!py::isinstance(given, Type(name.text))) return false;
@@ -77,6 +70,7 @@ struct EnumCaster {
 namespace pybind11::detail {
 
 template <class Enum>
-struct type_caster<Enum, std::void_t<decltype(quarry::python::NameOf(Enum{}))>> : quarry::python::EnumCaster<Enum> {};
+struct type_caster<Enum, std::enable_if_t<!std::is_null_pointer_v<decltype(quarry::python::kNameOf<Enum>)>>>
+    : quarry::python::EnumCaster<Enum> {};
 
 }  // namespace pybind11::detail
