@@ -8,8 +8,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <opencv2/core/utility.hpp>
 
 namespace {
+
+/// Threads of OpenCV would count: they let go of what they share with a call some time after its end.
+[[maybe_unused]] const bool kAreThereNoOthers = (cv::setNumThreads(1), true);
 
 constexpr std::size_t kLargestBlock = std::size_t{1} << 30;
 constexpr std::size_t kMostNotes = 256;

@@ -5,7 +5,7 @@
 
 /// What goes through `operator new`, for tests that link Allocations.cpp: it replaces the operators of the whole
 /// program. Fresh blocks are filled with kFreshByte, so that a buffer is never 0 by chance, and a block of more than a
-/// gigabyte is refused, so that an absurd request fails on every machine.
+/// gigabyte is refused, so that an absurd request fails on every machine. OpenCV starts no threads there.
 namespace quarry::test {
 
 constexpr unsigned char kFreshByte = 0xCD;
