@@ -1,6 +1,7 @@
 #include "Quarry.OpenCV/DenseOpticalFlowCalculator.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/video/tracking.hpp>
 #include <stdexcept>
@@ -21,8 +22,11 @@ bool IsShare(float value) {
     return 0.0F <= value && value <= 1.0F;
 }
 
+/// Refuses a size that an allocation would serve, but not for all pixels. One that wraps to a negative number fails as
+/// an allocation.
 void CheckSize(const Image& image) {
-    if (quarry::WrapsUnnoticed(image.width, image.height)) {
+    const int32_t served = quarry::Product(image.width, image.height);
+    if (served >= 0 && served != int64_t{image.width} * image.height) {
         throw std::invalid_argument("OFCData.Image: " + std::to_string(image.width) + " x " +
                                     std::to_string(image.height) + " pixels; at most 2147483647 are allowed");
     }

@@ -12,13 +12,6 @@ inline int32_t Product(int32_t a, int32_t b) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
 }
 
-/// Whether the product wraps to a size that an allocation would serve, so that what is written after it would go beyond
-/// its end. One that wraps to a negative number fails as an allocation.
-inline bool WrapsUnnoticed(int32_t a, int32_t b) {
-    const int32_t product = Product(a, b);
-    return product >= 0 && product != int64_t{a} * b;
-}
-
 /// A count as an array takes it. A negative one is an impossible size and fails like any lack of memory.
 /// @throws std::bad_alloc
 inline std::size_t ArraySize(int64_t count) {
