@@ -1,0 +1,136 @@
+#include "Archive/Scanning.h"
+
+#include <Quarry/Version.h>
+
+#include <CLI/CLI.hpp>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+
+#include "Archive/Fingerprint.h"
+#include "Archive/VideoLines.h"
+#include "Console.h"
+#include "Verbs/Options.h"
+
+namespace quarry::command {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What keeps a video from being played to its end, now and whenever it is tried again.
+class BadVideo : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Takes a step in which all that is refused is the video's fault.
+template <typename Step>
+auto OfTheVideo(Step step) try {
+    return step();
+} catch (const Failure& refused) {
+    throw BadVideo(refused.what());
+} catch (const CLI::Error& refused) {
+    throw BadVideo(refused.what());
+} catch (const std::invalid_argument& refused) {
+    throw BadVideo(refused.what());
+} catch (const cv::Exception& refused) {
+    if (refused.code == cv::Error::StsNoMem) throw;
+    throw BadVideo(refused.err);
+}
+
+/// The message without the path that it begins with, which is another one on the next machine.
+std::string Reason(const std::string& message, const fs::path& path) {
+    const std::string begin = path.string() + ": ";
+    return message.rfind(begin, 0) == 0 ? message.substr(begin.size()) : message;
+}
+
+std::string LineOf(const VideoFrame& frame, const FrameByFrame& verb) {
+    nlohmann::ordered_json object = ObjectOf(frame, verb);
+    object.erase("milliseconds");  // all else is the same each time
+    return JsonLine(object);
+}
+
+struct Played {
+    std::string error;  ///< empty: none
+    bool isWhole;       ///< as many frames came as the video declares
+};
+
+Played Play(const ArchivedVideo& video, const Scanning& scanning, VideoLines& lines) {
+    const std::unique_ptr<FrameByFrame> verb = scanning.begin();
+    try {
+        SelectedFrames frames = OfTheVideo([&] { return SelectedFrames(video.path.string(), scanning.frames); });
+        VideoFrame frame{};
+        const auto take = [&] {
+            if (!frames.Next(frame)) return false;
+            verb->Take(frame);
+            return true;
+        };
+        int taken = 0;
+        for (; OfTheVideo(take); ++taken) lines.Write(LineOf(frame, *verb));
+        if (taken > 0) return {"", taken >= frames.expected()};
+        throw BadVideo(scanning.frames.first > 0 ? "holds no frames there" : "holds no frames");
+    } catch (const BadVideo& bad) {
+        return {Reason(bad.what(), video.path), false};
+    }
+}
+
+std::string HeadOf(const ArchivedVideo& video, const Scanning& scanning, const Fingerprint& fingerprint) {
+    return JsonLine({{"quarry", QUARRY_VERSION},
+                     {"operation", scanning.operation},
+                     {"options", scanning.options},
+                     {"video", video.name},
+                     {"bytes", fingerprint.bytes},
+                     {"sha256", fingerprint.sha256}});
+}
+
+/// The lowest time where there is none.
+fs::file_time_type TimeOf(const fs::path& path) {
+    std::error_code ignored;
+    return fs::last_write_time(path, ignored);
+}
+
+Scanned TryToScan(const ArchivedVideo& video, const Scanning& scanning) {
+    const fs::file_time_type changed = TimeOf(video.path);
+    const Fingerprint fingerprint = FingerprintOf(video.path);
+    const std::string head = HeadOf(video, scanning, fingerprint);
+    const fs::path output = scanning.out / video.output;
+    const std::optional<FinishedLines> finished = ReadFinished(output);
+    if (finished && finished->head == head) {
+        return {finished->error.empty() ? Outcome::Skipped : Outcome::Bad, finished->error};
+    }
+    fs::create_directories(output.parent_path());
+    VideoLines lines(output, head);
+    const Played played = Play(video, scanning, lines);
+    // Decoders do not tell a video that ends early from one that cannot be read just now.
+    const bool isCertain = played.isWhole && TimeOf(video.path) == changed;
+    if (!isCertain && !(FingerprintOf(video.path) == fingerprint)) throw Failure("was changed while it was read");
+    lines.Finish(played.error);
+    return {played.error.empty() ? Outcome::Done : Outcome::Bad, played.error};
+}
+
+}  // namespace
+
+Outcome CurrentOutcome() {
+    try {
+        throw;
+    } catch (const Failure&) {
+        return Outcome::Failed;
+    } catch (const std::system_error&) {
+        return Outcome::Failed;
+    } catch (const std::bad_alloc&) {
+        return Outcome::Failed;
+    } catch (const cv::Exception& refused) {
+        return refused.code == cv::Error::StsNoMem ? Outcome::Failed : Outcome::Bug;
+    } catch (...) {
+        return Outcome::Bug;
+    }
+}
+
+Scanned Scan(const ArchivedVideo& video, const Scanning& scanning) try {
+    return TryToScan(video, scanning);
+} catch (...) {
+    return {CurrentOutcome(), Reason(CurrentReason(), video.path)};
+}
+
+}  // namespace quarry::command

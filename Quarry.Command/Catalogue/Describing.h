@@ -1,0 +1,120 @@
+/// @file
+/// How the sources of the catalogue describe records. Offsets, sizes and types are the compiler's own, so that a
+/// description cannot differ from the record.
+#pragma once
+
+#include <Quarry/Quarry.h>
+
+#include <cstddef>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "Catalogue/Catalogue.h"
+
+/// A field of a record; `holds` and the type follow from its declaration.
+#define QUARRY_FIELD(RecordType, field, meaning) \
+    ::quarry::command::FieldOf<decltype(RecordType::field)>(#field, offsetof(RecordType, field), meaning)
+
+/// A record; its fields follow in the order of the declaration.
+#define QUARRY_RECORD(RecordType, meaning, ...) \
+    ::quarry::command::RecordOf<RecordType>(#RecordType, meaning, {__VA_ARGS__})
+
+namespace quarry::command {
+
+/// The description of a record that others hold; there is one for each of them.
+template <class Shared>
+const Record& SharedRecord();
+template <>
+const Record& SharedRecord<Image>();
+template <>
+const Record& SharedRecord<Mask>();
+template <>
+const Record& SharedRecord<FloatPoint>();
+template <>
+const Record& SharedRecord<Contour>();
+template <>
+const Record& SharedRecord<RelRect>();
+template <>
+const Record& SharedRecord<PixelRect>();
+template <>
+const Record& SharedRecord<PointArray>();
+template <>
+const Record& SharedRecord<AbsVector>();
+template <>
+const Record& SharedRecord<AbsVectorMatrix>();
+template <>
+const Record& SharedRecord<Response>();
+template <>
+const Record& SharedRecord<Cluster>();
+
+/// What is left of a type without pointers, arrays and qualifiers.
+template <class T>
+using Bare = std::remove_cv_t<std::remove_pointer_t<std::remove_all_extents_t<T>>>;
+
+template <class T>
+const Record* HeldBy() {
+    if constexpr (std::is_class_v<Bare<T>>) return &SharedRecord<Bare<T>>();
+    return nullptr;
+}
+
+/// The name of a number's type; every number of the interface has one of these.
+template <class Number>
+constexpr const char* NumberName() {
+    if constexpr (std::is_same_v<Number, char>) return "char";
+    if constexpr (std::is_same_v<Number, uint8_t>) return "uint8_t";
+    if constexpr (std::is_same_v<Number, int16_t>) return "int16_t";
+    if constexpr (std::is_same_v<Number, uint16_t>) return "uint16_t";
+    if constexpr (std::is_same_v<Number, int32_t>) return "int32_t";
+    if constexpr (std::is_same_v<Number, uint32_t>) return "uint32_t";
+    if constexpr (std::is_same_v<Number, uint64_t>) return "uint64_t";
+    if constexpr (std::is_same_v<Number, float>) return "float";
+    if constexpr (std::is_same_v<Number, double>) return "double";
+}
+
+template <class T>
+std::string TypeName() {
+    if constexpr (std::is_array_v<T>) {
+        return TypeName<std::remove_extent_t<T>>() + "[" + std::to_string(std::extent_v<T>) + "]";
+    } else if constexpr (std::is_pointer_v<T>) {
+        return TypeName<std::remove_pointer_t<T>>() + "*";
+    } else if constexpr (std::is_const_v<T>) {
+        return "const " + TypeName<std::remove_const_t<T>>();
+    } else if constexpr (std::is_class_v<T>) {
+        return SharedRecord<T>().name;
+    } else {
+        return NumberName<T>();
+    }
+}
+
+template <class T>
+Field FieldOf(const char* name, std::size_t offset, const char* meaning) {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): of a pointer its own size is meant
+    return {name, TypeName<T>(), offset, sizeof(T), meaning, HeldBy<T>()};
+}
+
+template <class T>
+Record RecordOf(const char* name, const char* meaning, std::vector<Field> fields) {
+    return {name, meaning, sizeof(T), std::move(fields)};
+}
+
+// What the same field means wherever it stands.
+constexpr const char* kHeader = "the host's to use; not read";
+constexpr const char* kNotRead = "not read";
+constexpr const char* kStatus = "always 0";
+constexpr const char* kBgr = "8-bit B, G, R, rows packed; stride and timestamp are not read";
+constexpr const char* kRgb = "8-bit R, G, B, rows packed; stride and timestamp are not read";
+
+constexpr Error kWrongFrame = {"MarshalingException",
+                               "a record's length word or tag is wrong; nothing has changed then"};
+
+constexpr Error kNoFrame = {"cv::Exception", "data is null while the frame is not empty, or the frame is empty"};
+
+/// What every updater says before its first frame.
+constexpr Error kNoResultYet = {"std::logic_error", "GetUpdateResult is called before a frame was taken in"};
+
+/// Options that set nothing.
+Record PlainOptions();
+
+}  // namespace quarry::command

@@ -1,0 +1,27 @@
+/// @file
+/// What verbs and demo tell of results.
+#pragma once
+
+#include <opencv2/core.hpp>
+
+namespace quarry::command {
+
+/// 0..1 of the mask's pixels: those that are not 0.
+double ShareOf(const cv::Mat& mask);
+
+/// How much a difference shows.
+struct DifferenceStatistics {
+    double mean;     ///< grey levels, over all pixels and channels
+    double changed;  ///< 0..1 of the pixels: those with a channel that differs
+    int maximum;     ///< grey levels
+};
+
+DifferenceStatistics StatisticsOf(const cv::Mat& difference);
+
+/// Whether a rate of a ContourRate is one. Shapes of which only one has an area cannot be compared: they are as far
+/// apart as numbers go, and nothing else comes near.
+constexpr bool IsOfComparableShapes(double rate) {
+    return rate < 1e200;
+}
+
+}  // namespace quarry::command

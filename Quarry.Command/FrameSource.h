@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+#include <opencv2/core.hpp>
+#include <string>
+
+namespace quarry::command {
+
+/// Frames in order, from a video, a camera or pictures.
+class FrameSource {
+public:
+    FrameSource() = default;
+    FrameSource(const FrameSource&) = delete;
+    FrameSource& operator=(const FrameSource&) = delete;
+    virtual ~FrameSource() = default;
+
+    /// The next frame, 8-bit B, G, R with packed rows.
+    /// @return false after the last frame
+    virtual bool Read(cv::Mat& frame) = 0;
+
+    /// Passes over the next frame.
+    /// @return false after the last frame
+    virtual bool Skip() = 0;
+
+    virtual double framesPerSecond() const = 0;
+    /// 0 when it is not known.
+    virtual int frameCount() const = 0;
+};
+
+/// @param input  a video file, a folder of pictures, a pattern of their names (`shots/*.png`), or a camera's number;
+///               pictures come in the order of their names, 25 to the second
+/// @throws Failure  there is no such thing, or it cannot be read
+std::unique_ptr<FrameSource> OpenFrames(const std::string& input);
+
+}  // namespace quarry::command

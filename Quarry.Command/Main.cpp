@@ -1,0 +1,82 @@
+/// @file
+/// The `quarry` command: the library's operations on pictures and videos.
+#include <Quarry/Version.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <opencv2/core/utils/logger.hpp>
+
+#include "Console.h"
+#include "Verbs/Verbs.h"
+
+namespace quarry::command {
+namespace {
+
+constexpr const char* kFooter = R"(Examples:
+  quarry sharpness *.jpg
+  quarry background street.avi --out street-marked.avi
+  quarry track street.avi --rect 310,140,40,90 --out street-tracked.avi
+  quarry scan sharpness --manifest videos --out lines --shard 2/16
+  quarry demo --media media --out demo
+  quarry describe mosse-tracker
+
+`quarry VERB --help` tells more about a verb.
+Exit codes: 0 fine, 1 something failed, 2 wrong usage, 130 interrupted by Ctrl-C (what was
+written until then is complete); `quarry scan --help` tells those of scan. Each error is one
+line on stderr.)";
+
+int RunChosen(const std::vector<Verb>& verbs) {
+    for (const Verb& verb : verbs) {
+        if (!verb.command->parsed()) continue;
+        const int exitCode = verb.run();
+        if (!std::cout.flush()) throw Failure("standard output: cannot be written");
+        return exitCode;
+    }
+    throw CLI::ParseError("a verb is required; quarry --help lists them", CLI::ExitCodes::RequiredError);
+}
+
+/// Takes the places of standard streams that are closed; a video that is opened there ends when stderr is silenced.
+void OccupyStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The wrong way round: reading and writing fail as before.
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
+int Main(int argc, char** argv) {
+    OccupyStandardStreams();
+    cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+    CLI::App app{"Quarry: computer vision on pictures and videos", "quarry"};
+    app.set_version_flag("--version", "quarry " QUARRY_VERSION);
+    app.require_subcommand(0, 1);
+    app.footer(kFooter);
+    const std::vector<Verb> verbs = {
+        AddSharpness(app), AddDiff(app),      AddSimilarity(app), AddDenoise(app),   AddBackground(app),
+        AddTrack(app),     AddFlow(app),      AddContours(app),   AddOccupancy(app), AddClusters(app),
+        AddInside(app),    AddShapeRate(app), AddRect(app),       AddClothing(app),  AddDetect(app),
+        AddPeople(app),    AddColours(app),   AddFire(app),       AddAlign(app),     AddRotate(app),
+        AddScan(app),      AddMerge(app),     AddList(app),       AddDescribe(app),  AddDemo(app)};
+    try {
+        app.parse(argc, argv);
+        return RunChosen(verbs);
+    } catch (const CLI::Success& helpOrVersion) {
+        return app.exit(helpOrVersion);
+    } catch (const CLI::ParseError& wrongUsage) {
+        PrintError(wrongUsage.what());
+        return kExitUsage;
+    } catch (...) {
+        PrintError(CurrentReason());
+        return kExitFailure;
+    }
+}
+
+}  // namespace
+}  // namespace quarry::command
+
+// What escapes is a lack of memory for the command line or for the error line itself: ending is all that is left.
+// NOLINTNEXTLINE(bugprone-exception-escape)
+int main(int argc, char** argv) {
+    return quarry::command::Main(argc, argv);
+}

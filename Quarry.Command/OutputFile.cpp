@@ -1,0 +1,146 @@
+#include "OutputFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+#include <random>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "Console.h"
+
+namespace quarry::command {
+namespace {
+
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+void (*before[std::size(kEndingSignals)])(int);  ///< what they did when nothing was unfinished
+
+/// What a signal that ends the command must remove; a free place is empty. Plain bytes: a handler may not allocate.
+constexpr std::size_t kPlaces = 2;
+char unfinished[kPlaces][PATH_MAX];
+
+bool IsFree(std::size_t place) {
+    return unfinished[place][0] == '\0';
+}
+
+void RemoveUnfinishedAndEnd(int signal) {
+    for (const char* const name : unfinished) {
+        if (*name != '\0') unlink(name);
+    }
+    for (std::size_t i = 0; i < std::size(kEndingSignals); ++i) {
+        if (kEndingSignals[i] == signal) std::signal(signal, before[i]);
+    }
+    raise(signal);
+}
+
+/// Takes over the signals that end the command, but for those that are ignored.
+void HandleEndingSignals() {
+    for (std::size_t i = 0; i < std::size(kEndingSignals); ++i) {
+        const auto handler = std::signal(kEndingSignals[i], RemoveUnfinishedAndEnd);
+        if (handler == SIG_IGN) std::signal(kEndingSignals[i], SIG_IGN);
+        if (handler != RemoveUnfinishedAndEnd) before[i] = handler;
+    }
+}
+
+void LeaveEndingSignals() {
+    for (std::size_t i = 0; i < std::size(kEndingSignals); ++i) std::signal(kEndingSignals[i], before[i]);
+}
+
+std::size_t Remember(const std::string& path) {
+    std::size_t place = 0;
+    while (place < kPlaces && !IsFree(place)) ++place;
+    if (place == kPlaces || path.size() >= sizeof unfinished[place]) return kPlaces;
+    // The first byte last: until it is there, the place is free for a handler that comes in between.
+    std::memcpy(unfinished[place] + 1, path.c_str() + 1, path.size());
+    std::atomic_signal_fence(std::memory_order_release);
+    unfinished[place][0] = path[0];
+    HandleEndingSignals();
+    return place;
+}
+
+void Forget(std::size_t place) {
+    if (place == kPlaces) return;
+    unfinished[place][0] = '\0';
+    for (std::size_t other = 0; other < kPlaces; ++other) {
+        if (!IsFree(other)) return;
+    }
+    LeaveEndingSignals();
+}
+
+constexpr const char* kMark = ".unfinished-";
+constexpr std::size_t kDigits = 16;
+
+/// By chance: other machines may write into the folder, and what a killed command left may bear any process's number.
+std::string TemporaryName(const std::filesystem::path& name) {
+    constexpr std::size_t kStem = 200;  // bytes, so that the name is none too long
+    std::random_device random;
+    char digits[kDigits + 1];
+    std::snprintf(digits, sizeof digits, "%08x%08x", random(), random());
+    return "." + name.stem().string().substr(0, kStem) + kMark + digits + name.extension().string();
+}
+
+/// @return 0, or what went wrong
+int Sync(const std::filesystem::path& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return errno;
+    const int reason = fsync(file) == 0 ? 0 : errno;
+    close(file);
+    return reason;
+}
+
+[[noreturn]] void Refuse(const std::filesystem::path& name, int reason) {
+    throw Failure(name.string() + ": cannot be written: " + std::system_category().message(reason));
+}
+
+}  // namespace
+
+OutputFile::OutputFile(std::filesystem::path name_)
+    : name(std::move(name_)), temporaryName(name.parent_path() / TemporaryName(name)), place(kPlaces) {
+    if (std::filesystem::is_directory(name)) throw Failure(name.string() + ": cannot be written: is a folder");
+    place = Remember(temporaryName.string());  // before the file is there, or an interruption in between would leave it
+    const int file = open(temporaryName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (file < 0) {
+        const int reason = errno;
+        Forget(place);
+        Refuse(name, reason);
+    }
+    close(file);
+}
+
+OutputFile::~OutputFile() {
+    if (temporaryName.empty()) return;
+    std::error_code ignored;
+    std::filesystem::remove(temporaryName, ignored);
+    Forget(place);
+}
+
+void OutputFile::Keep() {
+    if (const int reason = Sync(temporaryName)) Refuse(name, reason);
+    std::error_code refused;
+    std::filesystem::rename(temporaryName, name, refused);
+    if (refused) Refuse(name, refused.value());
+    temporaryName.clear();
+    Forget(place);
+    // The new name; not every file system can do this, nor every user who may write there.
+    const int reason = Sync(name.parent_path().empty() ? "." : name.parent_path());
+    if (reason == EIO || reason == ENOSPC || reason == EDQUOT) Refuse(name, reason);
+}
+
+bool IsTemporary(const std::filesystem::path& path) {
+    const std::string stem = path.stem().string();
+    const std::size_t mark = stem.rfind(kMark);
+    return stem[0] == '.' && mark != std::string::npos &&
+           stem.find_first_not_of("0123456789abcdef", mark + std::strlen(kMark)) == std::string::npos &&
+           stem.size() == mark + std::strlen(kMark) + kDigits;
+}
+
+}  // namespace quarry::command

@@ -1,0 +1,118 @@
+#include <Quarry/HostOpenCV.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Annotation.h"
+#include "Foreground.h"
+#include "OutlinePicture.h"
+#include "Timing.h"
+#include "Verbs/Options.h"
+#include "Verbs/PictureOrVideo.h"
+#include "Verbs/PolygonFile.h"
+#include "Verbs/Verbs.h"
+
+namespace quarry::command {
+namespace {
+
+constexpr const char* kFooter =
+    R"(A cluster is something that hangs together and is surrounded by black: in a picture as it is,
+in a video in what moves (a background model is learnt from it, as by the verb background, and
+the rest of each frame is blackened). Things smaller than the share --min-area of the frame
+are none. `area %` is that of all clusters. With --json each cluster has
+  centre     its centre of mass, [x, y] in fractions of the frame's width and height; null
+             where there is no area, as of a line
+  area       share of the frame's area that its contour encloses
+  perimeter  the length of its contour in widths of the frame
+  points     of its contour, each [x, y] like the centre
+
+Examples:
+  quarry clusters street.avi --out street-clusters.avi
+  quarry clusters mask.png --min-area 0.01 --json)";
+
+struct Options {
+    float minArea = kUsualClusters.minContourAreaRate;
+    bool everyPixel = false;
+};
+
+nlohmann::ordered_json ObjectOf(const Cluster& cluster) {
+    nlohmann::ordered_json object = {{"centre", nullptr},
+                                     {"area", cluster.Contour->Area},
+                                     {"perimeter", cluster.Contour->Perimeter},
+                                     {"points", JsonOf(quarry::PointsOf(*cluster.Contour))}};
+    if (HasCentre(cluster)) object["centre"] = {cluster.CenterX, cluster.CenterY};
+    return object;
+}
+
+class Clusters : public FrameByFrame {
+public:
+    explicit Clusters(const Options& options)
+        : find({options.everyPixel ? 1.0F : kUsualClusters.outlinePrecision, options.minArea}) {}
+
+    void Take(const VideoFrame& frame) override {
+        last = frame;
+        const cv::Mat redFirst = RedFirst(shown.Take(frame));
+        const Stopwatch watch;
+        clusters = find(ViewOf(redFirst));
+        milliseconds.push_back(watch.Milliseconds());
+        inAll += clusters->size();
+        area = 0;
+        for (const Cluster& cluster : *clusters) area += static_cast<double>(cluster.Contour->Area);
+    }
+
+    std::string TableHead() const override { return "  clusters    area %        ms"; }
+
+    std::string TableRow() const override {
+        return Format("  %8zu  %8.3f  %8.2f", clusters->size(), area * 100, milliseconds.back());
+    }
+
+    nlohmann::ordered_json Fields() const override {
+        nlohmann::ordered_json objects = nlohmann::ordered_json::array();
+        for (const Cluster& cluster : *clusters) objects.push_back(ObjectOf(cluster));
+        return {{"clusters", objects}, {"milliseconds", milliseconds.back()}};
+    }
+
+    cv::Mat Annotated() const override {
+        return WithCaption(MarkClusters(last.pixels, *clusters),
+                           Shown::Place(last) + Format("%zu clusters   area %.2f %%", clusters->size(), area * 100));
+    }
+
+    std::string Summary() const override {
+        return Format("%.2f clusters on average, %.2f ms per frame (median)",
+                      static_cast<double>(inAll) / static_cast<double>(milliseconds.size()),
+                      Quantile(milliseconds, 0.5));
+    }
+
+private:
+    Shown shown;
+    ContourClusters find;
+    VideoFrame last{};
+    std::optional<ContourClusters::Clusters> clusters;
+    double area = 0;  ///< 0..1 of the frame's, of all clusters
+    std::size_t inAll = 0;
+    std::vector<double> milliseconds;  ///< of the clusters alone
+};
+
+Beginning AddOwnOptions(CLI::App& command) {
+    const auto options = std::make_shared<Options>();
+    command.add_option("--min-area", options->minArea, "Share of the frame that a thing must have to count")
+        ->check(Within(0, 1))
+        ->capture_default_str();
+    command.add_flag("--every-pixel", options->everyPixel,
+                     "Keep every pixel of the borders, not only those that shape them");
+    return [options] { return std::make_unique<Clusters>(*options); };
+}
+
+}  // namespace
+
+FrameOperation ClustersOperation() {
+    return {"clusters", "The things that move in a video, or that are not black in a picture: contours and centres",
+            AddOwnOptions};
+}
+
+Verb AddClusters(CLI::App& commandLine) {
+    return AddPictureOrVideoVerb(commandLine, ClustersOperation(), kFooter, "contours and centres drawn");
+}
+
+}  // namespace quarry::command

@@ -1,0 +1,79 @@
+#include <Quarry/HostOpenCV.hpp>
+#include <memory>
+#include <opencv2/imgproc.hpp>
+#include <string>
+
+#include "Annotation.h"
+#include "Figures.h"
+#include "Timing.h"
+#include "Verbs/Options.h"
+#include "Verbs/OverPictures.h"
+#include "Verbs/Verbs.h"
+
+namespace quarry::command {
+namespace {
+
+constexpr const char* kFooter =
+    R"(A pixel is flame when its colour is: bright orange, yellow or nearly white. Of all these pixels
+the largest connected region is kept, without its holes, and grown by up to 10 pixels. Per
+picture it gives the share of the pixels that are in it and the rectangle around it,
+X,Y,WIDTH,HEIGHT in pixels. Colour alone decides: an orange or a pale wall counts too.
+
+Example:
+  quarry fire stove.jpg --out stove-outlined.jpg)";
+
+class Fire : public FrameByFrame {
+public:
+    void Take(const VideoFrame& frame) override {
+        last = frame.pixels;
+        const Stopwatch watch;
+        const FirePixels::Flames flames = find(ViewOf(last));
+        milliseconds = watch.Milliseconds();
+        region = CloneOf(flames);
+        share = ShareOf(region);
+        bounds = cv::boundingRect(region);
+    }
+
+    std::string TableHead() const override { return "   flame %        ms  rectangle"; }
+
+    std::string TableRow() const override {
+        std::string row = Format("%10.3f%10.1f", share * 100, milliseconds);
+        if (bounds.empty()) return row;
+        return row + Format("  %d,%d,%d,%d", bounds.x, bounds.y, bounds.width, bounds.height);
+    }
+
+    nlohmann::ordered_json Fields() const override {
+        const nlohmann::ordered_json rectangle = bounds.empty() ? nullptr : JsonOf(bounds);
+        return {{"flame", share}, {"rectangle", rectangle}, {"milliseconds", milliseconds}};
+    }
+
+    cv::Mat Annotated() const override { return OutlineRegion(last, region); }
+
+private:
+    FirePixels find;
+    cv::Mat last;
+    cv::Mat region;
+    double share = 0;  ///< 0..1 of the picture's pixels
+    cv::Rect bounds;   ///< of the region; empty when there is none
+    double milliseconds = 0;
+};
+
+}  // namespace
+
+FrameOperation FireOperation() {
+    return {"fire", "Finds the region of pictures that has the colours of a flame",
+            [](CLI::App& /*command*/) { return [] { return std::make_unique<Fire>(); }; }};
+}
+
+Verb AddFire(CLI::App& commandLine) {
+    const auto options = std::make_shared<PictureOptions>();
+    CLI::App* const command = AddCommand(commandLine, FireOperation(), kFooter);
+    AddPictureOptions(*command, *options, "Pictures to search", "the region outlined");
+    return {command, [options] {
+                CheckAnnotated(*options);
+                Fire verb;
+                return RunOverPictures(*options, "fire", verb);
+            }};
+}
+
+}  // namespace quarry::command

@@ -1,0 +1,121 @@
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Annotation.h"
+#include "Timing.h"
+#include "Tracking.h"
+#include "Verbs/Options.h"
+#include "Verbs/OverVideo.h"
+#include "Verbs/Verbs.h"
+
+namespace quarry::command {
+namespace {
+
+constexpr const char* kFooter =
+    R"(The rectangle marks the target in the first frame: X,Y is its upper left corner, in pixels;
+WIDTH and HEIGHT are at least 2 and at most those of the frame. The tracker may widen it by
+a few pixels, to a size that it can work with fast. A corner left of or above the frame is
+written --rect=-5,40,60,80.
+
+Per frame it gives the rectangle and whether the target was found (drawn green) or not (red:
+the rectangle stays where it was, and the search goes on there). Mode 0 is careful; mode 1
+adapts faster and is content with a weaker match.
+
+Example:
+  quarry track street.avi --rect 310,140,40,90 --out street-tracked.avi)";
+
+constexpr int kSmallestSide = 2;  // pixels
+
+struct Options {
+    cv::Rect target;
+    uint32_t mode = 0;
+};
+
+void CheckLiesWithin(const cv::Rect& target, const cv::Size& frame) {
+    const bool fits = target.width <= frame.width && target.height <= frame.height;
+    if (fits && !(target & cv::Rect({0, 0}, frame)).empty()) return;
+    throw CLI::ValidationError("--rect",
+                               Format("%d,%d,%d,%d is %s the frame of %d x %d pixels", target.x, target.y, target.width,
+                                      target.height, fits ? "outside" : "larger than", frame.width, frame.height));
+}
+
+class Tracking : public FrameByFrame {
+public:
+    explicit Tracking(const Options& options)
+        : target(options.target), tracker(options.target, static_cast<TrackerMode>(options.mode)) {}
+
+    void Take(const VideoFrame& frame) override {
+        if (milliseconds.empty()) CheckLiesWithin(target, frame.pixels.size());
+        last = frame;
+        view = tracker.Take(frame.pixels);
+        milliseconds.push_back(view.milliseconds);
+        found += view.found ? 1 : 0;
+    }
+
+    std::string TableHead() const override { return "       x       y   width  height  found        ms"; }
+
+    std::string TableRow() const override {
+        return Format("  %6d  %6d  %6d  %6d  %-5s  %8.2f", view.target.x, view.target.y, view.target.width,
+                      view.target.height, view.found ? "yes" : "no", view.milliseconds);
+    }
+
+    nlohmann::ordered_json Fields() const override {
+        return {{"x", view.target.x},           {"y", view.target.y},  {"width", view.target.width},
+                {"height", view.target.height}, {"found", view.found}, {"milliseconds", view.milliseconds}};
+    }
+
+    cv::Mat Annotated() const override {
+        return WithCaption(MarkTarget(last.pixels, view.target, view.found),
+                           Format("frame %d   %.2f s   %s   %d, %d", last.index, last.seconds,
+                                  view.found ? "found" : "lost", view.target.x, view.target.y));
+    }
+
+    std::string Summary() const override {
+        return Format("target found in %d, %.2f ms per frame (median)", found, Quantile(milliseconds, 0.5));
+    }
+
+private:
+    cv::Rect target;
+    Tracker tracker;
+    VideoFrame last{};
+    TrackView view{};
+    std::vector<double> milliseconds;
+    int found = 0;
+};
+
+cv::Rect TargetOf(const std::string& text) {
+    const auto [x, y, width, height] = FourWholeNumbers("--rect", text, "X,Y,WIDTH,HEIGHT");
+    if (width < kSmallestSide || height < kSmallestSide) {
+        throw CLI::ValidationError("--rect", "width and height must be 2 or more, not " + text);
+    }
+    return {x, y, width, height};
+}
+
+Beginning AddOwnOptions(CLI::App& command) {
+    const auto options = std::make_shared<Options>();
+    command
+        .add_option_function<std::string>(
+            "--rect", [options](const std::string& text) { options->target = TargetOf(text); },
+            "The target in the first frame, in pixels")
+        ->type_name("X,Y,WIDTH,HEIGHT")
+        ->required();
+    command.add_option("--mode", options->mode, "0: careful; 1: adapts faster, content with a weaker match")
+        ->check(CLI::IsMember({"0", "1"}))
+        ->capture_default_str();
+    return [options] { return std::make_unique<Tracking>(*options); };
+}
+
+}  // namespace
+
+FrameOperation TrackOperation() {
+    return {"track", "Follows one target through a video, from a rectangle in the first frame that is read",
+            AddOwnOptions};
+}
+
+Verb AddTrack(CLI::App& commandLine) {
+    return AddVideoVerb(commandLine, TrackOperation(), kFooter, "the rectangle drawn");
+}
+
+}  // namespace quarry::command
