@@ -84,11 +84,11 @@ int32_t GuardDestroyContourMaskProcessorResult(ContourMaskProcessorResult* resul
 }
 
 // NOLINTBEGIN(bugprone-macro-parentheses): types do not stand in parentheses
-#define QUARRY_GUARD_DEFINE(Factory, Options)                 \
+#define QUARRY_GUARD_DEFINE(Name, Factory, Options, ...)      \
     int32_t Guard##Factory(void** handle, Options* options) { \
         return Guarded([&] { Factory(handle, options); });    \
     }
-QUARRY_GUARD_FACTORIES(QUARRY_GUARD_DEFINE)
+QUARRY_OPERATIONS(QUARRY_GUARD_DEFINE)
 #undef QUARRY_GUARD_DEFINE
 // NOLINTEND(bugprone-macro-parentheses)
 

@@ -1,10 +1,11 @@
-# quarry_shared_object(target Name): libName.so with its soname, whose exports are those that the exports.txt of the
-# current folder lists; the linker hides everything else, the instances of standard templates included.
+# quarry_shared_object(target Name factory...): libName.so with its soname. It exports the factories and what exports.txt
+# of the current folder lists; the linker hides everything else, the instances of standard templates included.
 function(quarry_shared_object target name)
   set(exports "${CMAKE_CURRENT_SOURCE_DIR}/exports.txt")
   set(map "${CMAKE_CURRENT_BINARY_DIR}/exports.map")
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${exports}")
   file(STRINGS "${exports}" symbols)
+  list(APPEND symbols ${ARGN})
   list(JOIN symbols ";\n    " symbols)
   file(CONFIGURE OUTPUT exports.map CONTENT "{\n  global:\n    @symbols@;\n  local:\n    *;\n};\n" @ONLY)
   set_target_properties(${target} PROPERTIES

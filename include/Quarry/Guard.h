@@ -8,6 +8,7 @@
 /// change rate, alignment) still do.
 #pragma once
 
+#include "Quarry/Operations.h"
 #include "Quarry/Quarry.h"
 
 /// How a call went. Only GuardOk means that anything was done.
@@ -47,36 +48,12 @@ QUARRY_API int32_t GuardDispose(void* handle);
 /// Releases the grid that `DisposeResult` leaves in place; its record is the host's. Null is allowed.
 QUARRY_API int32_t GuardDestroyContourMaskProcessorResult(ContourMaskProcessorResult* result);
 
-/// Every factory with the type of its options: `FACTORY(CreateCVMosseTracker, MosseTrackerOptions)` and so on.
-#define QUARRY_GUARD_FACTORIES(FACTORY)                                                \
-    FACTORY(CreateCVImageAbsSubtractor, BinaryImageOperationOptions)                   \
-    FACTORY(CreateCVContourCalculator, ContourCalcingOptions)                          \
-    FACTORY(CreateCVColorComparator, ColorComparingOptions)                            \
-    FACTORY(CreateCVContourRateCalculator, ContourRateMeasuringOptions)                \
-    FACTORY(CreateCVBackgroundModel, BackgroundOptions)                                \
-    FACTORY(CreateCVHogSvmHumanClassifier, ClassificationOptions)                      \
-    FACTORY(CreateCVCascadeClassifier, ClassificationOptions)                          \
-    FACTORY(CreateCVDenseOpticalFlowCalculator, OFCOptions)                            \
-    FACTORY(CreateCVOpticalFlowLineProcessor, OFLineOptions)                           \
-    FACTORY(CreateCVRectExtractor, RectExtractorOptions)                               \
-    FACTORY(CreateCVKMeanColorExtractor, KMeanOptions)                                 \
-    FACTORY(CreateCVClustererContours, ClustererOptions)                               \
-    FACTORY(CreateCVFastNlMeansDenoisingFilter, FilterOptions)                         \
-    FACTORY(CreateCVContourIntersectionProcessor, ContourIntersectionProcessorOptions) \
-    FACTORY(CreateCVContourMaskProcessor, ContourMaskProcessorOptions)                 \
-    FACTORY(CreateCVAffineTransformProcessor, TransformOptions)                        \
-    FACTORY(CreateCVRotationTransformProcessor, TransformOptions)                      \
-    FACTORY(CreateCVLaplacianVarianceProcessor, ProcessOptions)                        \
-    FACTORY(CreateCVFaceLaplacianVarianceProcessor, ProcessOptions)                    \
-    FACTORY(CreateCVMosseTracker, MosseTrackerOptions)                                 \
-    FACTORY(CreateCVCosineSimilarity, ProcessOptions)                                  \
-    FACTORY(CreateCVPixelwiseFireProcessor, ProcessOptions)
-
 /// One function per factory: `int32_t GuardCreateCVMosseTracker(void** handle, MosseTrackerOptions* options)` and so
 /// on.
 // NOLINTNEXTLINE(bugprone-macro-parentheses): types do not stand in parentheses
-#define QUARRY_GUARD_DECLARE(Factory, Options) QUARRY_API int32_t Guard##Factory(void** handle, Options* options);
-QUARRY_GUARD_FACTORIES(QUARRY_GUARD_DECLARE)
+#define QUARRY_GUARD_DECLARE(Name, Factory, Options, ...) \
+    QUARRY_API int32_t Guard##Factory(void** handle, Options* options);
+QUARRY_OPERATIONS(QUARRY_GUARD_DECLARE)
 #undef QUARRY_GUARD_DECLARE
 
 #ifdef __cplusplus
