@@ -6,12 +6,13 @@
 /// 1. **Handles are opaque.** A factory writes one to `*handle` when everything has succeeded and leaves `*handle`
 ///    as it was otherwise; `Dispose` ends it. To start over, dispose of it and create another.
 /// 2. **One thread per handle** at a time. Distinct handles share nothing and may run side by side.
-/// 3. **A record is framed** by a length word before it and a tag after it (Framing.h). Only its address is passed, and
-///    the library keeps neither options nor input records after the call.
+/// 3. **A record has an envelope**: a length word before it and a tag after it (Framing.h). Only the record's address
+/// is
+///    passed, and the library keeps neither options nor input records after the call.
 /// 4. **Input buffers stay the host's** and are read in place during the call, unless an operation says otherwise.
 /// 5. **Result buffers of a processor go back through `DisposeResult`**, once, before the record is filled again.
 ///    Those of an updater stay the updater's: valid until its next `Update` or `Dispose`, never given back.
-/// 6. **Failures are C++ exceptions**, thrown through these functions: MarshalingException for a wrong frame,
+/// 6. **Failures are C++ exceptions**, thrown through these functions: MarshalingException for a wrong envelope,
 ///    `cv::Exception` for what OpenCV refuses (null pixels among it), `std::bad_alloc` for memory,
 ///    `std::invalid_argument` for a handle or a pointer that is null or of the wrong kind and for a field out of its
 ///    range, `std::logic_error` for a call out of turn. A call that fails leaves the host's record, the handle and
@@ -79,86 +80,167 @@ QUARRY_API void DisposeResult(void* handle, ProcessResult* result);
 QUARRY_API int32_t Update(void* handle, UpdateData* data);
 
 /// Fills the record with the updater's current result; its buffers stay the updater's.
-/// @throws std::logic_error  there is none: no `Update` yet, or the last one that began anew failed
+/// @throws std::logic_error  there is no result: no frame was taken in yet, or the last Update that began anew failed
 QUARRY_API void GetUpdateResult(void* handle, UpdateResult* result);
 
 /// Ends a handle and everything it owns. Null is allowed and does nothing.
 QUARRY_API void Dispose(void* handle);
 
-/// Absolute difference of two frames: takes BinaryImageOperationData, gives ImageOperationResult (processor).
+/// Absolute difference of two frames, byte by byte.
+/// Takes BinaryImageOperationData, gives ImageOperationResult (processor).
+/// @throws cv::Exception  `data` of either frame is null while the frame is not empty
+/// @throws std::invalid_argument  the first frame's size is negative, or its `stride` leaves no room for packed rows (3
+///     x width bytes each)
 QUARRY_API void CreateCVImageAbsSubtractor(void** handle, BinaryImageOperationOptions* options);
 
-/// Contour of an object: takes ContourCalcingInputData, gives ContourResult (processor).
+/// The outline of one object in a mask, searched inside a rectangle around it.
+/// Takes ContourCalcingInputData, gives ContourResult (processor).
+/// Method: Suzuki and Abe, 1985.
+/// @throws cv::Exception  the mask is empty or its `data` null, the rectangle does not lie inside the mask, or
+///     `ApproximationMethod` is unknown or 0
 QUARRY_API void CreateCVContourCalculator(void** handle, ContourCalcingOptions* options);
 
-/// Colours of a region in two frames: takes ColorComparingInputData, gives ColorComparingOutputData (processor).
+/// How alike the colours of the same region are in two frames: hue and saturation histograms.
+/// Takes ColorComparingInputData, gives ColorComparingOutputData (processor).
+/// @throws std::invalid_argument  a frame's row has more than 2147483647 bytes
+/// @throws cv::Exception  `data` is null while a frame is not empty, the region is empty or does not lie inside both
+///     frames, or `CompareMethod` is unknown
 QUARRY_API void CreateCVColorComparator(void** handle, ColorComparingOptions* options);
 
-/// Shape change rate: takes ContourRateMeasuringInputData, gives ContourRateMeasuringOutputData (processor).
-/// A contour that counts 0 points aborts the process.
+/// How fast an object's shape changes: the distance of two of its contours by Hu moments, per second.
+/// Takes ContourRateMeasuringInputData, gives ContourRateMeasuringOutputData (processor).
+/// Method: Hu, 1962.
+/// Aborts the process when a contour counts 0 points.
+/// @throws std::bad_alloc  a contour counts fewer than 0 points
+/// @throws std::invalid_argument  `Points` is null where some are counted
+/// @throws cv::Exception  `MatchMethod` is unknown
 QUARRY_API void CreateCVContourRateCalculator(void** handle, ContourRateMeasuringOptions* options);
 
-/// Background model: takes BackgroundData, gives BackgroundResult (updater). GetUpdateResult reads the last frame's
-/// pixels again. An Update that fails over a frame of another size may have ended the buffers of earlier results.
+/// Background image and foreground mask of a stream: a mixture of Gaussians per pixel.
+/// Takes BackgroundData, gives BackgroundResult (updater). GetUpdateResult reads the last frame's pixels again. An
+/// Update that fails over a frame of another size may have ended the buffers of earlier results.
+/// Method: Zivkovic, ICPR 2004.
+/// @throws cv::Exception  `data` is null while the frame is not empty, or the frame is empty
+/// @throws std::invalid_argument  the frame has more than 2147483647 bytes
 QUARRY_API void CreateCVBackgroundModel(void** handle, BackgroundOptions* options);
 
-/// People detector: takes ClassificationData, gives ClassificationResult (processor).
+/// Finds standing people with histograms of oriented gradients and a linear support vector machine.
+/// Takes ClassificationData, gives ClassificationResult (processor).
+/// Method: Dalal and Triggs, CVPR 2005.
+/// @throws std::invalid_argument  `AreasCount` is negative, or `Areas` is null where some are counted, unless
+///     `WholeFrame` is 1
+/// @throws cv::Exception  `data` is null while the frame is not empty, a side of the frame is negative, or an area that
+///     is searched does not lie inside the frame
 QUARRY_API void CreateCVHogSvmHumanClassifier(void** handle, ClassificationOptions* options);
 
-/// Cascade detector: takes ClassificationData, gives ClassificationResult (processor). The model is read here; that
-/// there is none is found out at Process, as an exception of OpenCV.
-/// @throws std::invalid_argument  `Mode` is above 2, or `CascadePath` is null
-/// @throws cv::Exception          `CascadePath` is empty, or what is there cannot be parsed
+/// Finds objects of one kind in a region of a frame with a cascade of boosted features.
+/// Takes ClassificationData, gives ClassificationResult (processor). The factory reads the model. That there is no such
+/// file shows in Process.
+/// Method: Viola and Jones, CVPR 2001.
+/// @throws std::invalid_argument  `Mode` is above 2 or `CascadePath` is null (when created), or `Areas` is null
+/// @throws cv::Exception  `CascadePath` is empty or names a file that cannot be parsed (when created); `data` is null
+///     while the frame is not empty, the area does not lie inside the frame, or there is no such file (when processing)
 QUARRY_API void CreateCVCascadeClassifier(void** handle, ClassificationOptions* options);
 
-/// Dense optical flow: takes OFCData, gives OFCResult (updater). An Update that fails may have begun to write into the
-/// result or, over a frame of another size, have ended the buffer of earlier results.
+/// How far every pixel moved from the previous frame to the current one.
+/// Takes OFCData, gives OFCResult (updater). An Update that fails may have begun to write into the result or, over a
+/// frame of another size, have ended the buffer of earlier results.
+/// Method: Farneback, SCIA 2003.
+/// @throws cv::Exception  `data` is not null but the frame is empty
+/// @throws std::invalid_argument  the frame has more than 2147483647 pixels
 QUARRY_API void CreateCVDenseOpticalFlowCalculator(void** handle, OFCOptions* options);
 
-/// Motion across a line: takes OFLineData, gives OFLineResult (processor).
+/// Motion across a line of a motion field: how far its pixels lie from it once they have moved.
+/// Takes OFLineData, gives OFLineResult (processor).
+/// @throws std::invalid_argument  `ValuesCount` is negative
 QUARRY_API void CreateCVOpticalFlowLineProcessor(void** handle, OFLineOptions* options);
 
-/// Rotated rectangle cut out of a frame: takes RectExtractorData, gives RectExtractorResult (processor).
+/// A rotated rectangle cut out of a frame, upright.
+/// Takes RectExtractorData, gives RectExtractorResult (processor).
+/// @throws std::invalid_argument  the frame's width is 0, a size is negative, or the `stride` leaves no room for packed
+///     rows (3 x width bytes each)
+/// @throws cv::Exception  the frame is too large to warp (32767 pixels and more a side); both sizes are written to the
+///     standard output first
 QUARRY_API void CreateCVRectExtractor(void** handle, RectExtractorOptions* options);
 
-/// Dominant clothing colours: takes KMeanData, gives KMeanResult (processor).
+/// The two dominant colours of a person's upper body and the two of the legs, by k-means.
+/// Takes KMeanData, gives KMeanResult (processor).
+/// Method: Arthur and Vassilvitskii, 2007 (first centres).
+/// @throws std::invalid_argument  `Keypoints.Points` is null
+/// @throws cv::Exception  `data` is null while the frame is not empty, or torso or legs cover fewer than two pixels
 QUARRY_API void CreateCVKMeanColorExtractor(void** handle, KMeanOptions* options);
 
-/// Contour clusters: takes ClustererData, gives ClustererResult (processor).
+/// The blobs of a frame that is black everywhere else: outlines with centres of mass.
+/// Takes ClustererData, gives ClustererResult (processor).
+/// @throws cv::Exception  `data` is null while the frame is not empty, or the frame is empty
 QUARRY_API void CreateCVClustererContours(void** handle, ClustererOptions* options);
 
-/// Non-local means denoising: takes FilterData, gives FilterResult (processor).
+/// A denoised copy of a colour frame, by non-local means with fixed strength.
+/// Takes FilterData, gives FilterResult (processor).
+/// Method: Buades, Coll and Morel, IPOL 2011.
+/// @throws cv::Exception  `data` is null while the frame is not empty, or width and height are both negative
+/// @throws std::invalid_argument  `stride` leaves no room for packed rows (3 x width bytes each)
 QUARRY_API void CreateCVFastNlMeansDenoisingFilter(void** handle, FilterOptions* options);
 
-/// Contour against a polygon: takes ContourIntersectionProcessorData, gives ContourInstersectionProcessorResult
-/// (processor).
+/// Where a contour lies with respect to a polygon: inside, outside or across its border.
+/// Takes ContourIntersectionProcessorData, gives ContourInstersectionProcessorResult (processor).
+/// @throws std::invalid_argument  `TestContour` has no points, or `Points` is null where some are counted
+/// @throws cv::Exception  OpenCV refuses the polygon, an empty one included
 QUARRY_API void CreateCVContourIntersectionProcessor(void** handle, ContourIntersectionProcessorOptions* options);
 
-/// Grid of cells that objects occupy: takes ContourMaskProcessorData, gives ContourMaskProcessorResult (processor).
-/// `DisposeResult` leaves the grid in place: the host releases it with DestroyContourMaskProcessorResult (Memory.h).
+/// A grid of the cells that objects occupy in a frame that is black everywhere else.
+/// Takes ContourMaskProcessorData, gives ContourMaskProcessorResult (processor). `DisposeResult` leaves the grid in
+/// place: the host releases it with DestroyContourMaskProcessorResult (Memory.h).
+/// @throws std::invalid_argument  `GridWidth` or `GridHeight` is below 1, or their product above 2147483647
+/// @throws cv::Exception  `data` is null while the frame is not empty, or the frame is empty
 QUARRY_API void CreateCVContourMaskProcessor(void** handle, ContourMaskProcessorOptions* options);
 
-/// Alignment by five point pairs: takes AffineTransformData, gives TransformResult (processor). Any other number of
-/// points aborts the process.
+/// Aligns a frame to a layout of five points with the best similarity transform.
+/// Takes AffineTransformData, gives TransformResult (processor).
+/// Method: Umeyama, IEEE TPAMI 13(4), 1991.
+/// Aborts the process when either number of points is not 5.
+/// @throws std::invalid_argument  `Points` is null, a size is negative, or the output has more than 2147483647 bytes
+/// @throws cv::Exception  `data` is null while the frame is not empty, or the frame is empty, or the frame is too large
+///     to warp
 QUARRY_API void CreateCVAffineTransformProcessor(void** handle, TransformOptions* options);
 
-/// Rotation of a frame: takes RotationTransformData, gives TransformResult (processor).
+/// Turns a frame about its centre, and scales it, on a canvas that holds the whole turned frame.
+/// Takes RotationTransformData, gives TransformResult (processor).
+/// @throws std::invalid_argument  a side of the options' size is negative, or `stride` leaves no room for packed rows
+///     (3 x width bytes each)
+/// @throws cv::Exception  `data` is null while the size is not empty, or the size or the canvas is empty
 QUARRY_API void CreateCVRotationTransformProcessor(void** handle, TransformOptions* options);
 
-/// Sharpness of a frame: takes VoLInputData, gives VoLOutputData (processor).
+/// Sharpness of a frame: the variance of its Laplacian.
+/// Takes VoLInputData, gives VoLOutputData (processor).
+/// Method: Pech-Pacheco et al., ICPR 2000.
+/// @throws cv::Exception  `data` is null while the frame is not empty, or the frame is empty
 QUARRY_API void CreateCVLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
 
-/// Sharpness of a face: takes FaceVoLInputData, gives VoLOutputData (processor).
+/// Sharpness of a face: the variance of the Laplacian of a frame that is black outside an ellipse.
+/// Takes FaceVoLInputData, gives VoLOutputData (processor).
+/// Method: Pech-Pacheco et al., ICPR 2000.
+/// @throws cv::Exception  `data` is null while the frame is not empty, or the frame is empty, or a half-axis is
+///     negative
 QUARRY_API void CreateCVFaceLaplacianVarianceProcessor(void** handle, ProcessOptions* options);
 
-/// Correlation tracker: takes MosseTrackerData, gives MosseTrackerResult (updater; its state is always NoResult).
-/// @throws std::invalid_argument  `TrackerMode` is neither 0 nor 1
+/// Follows one rectangle through a stream of frames with a correlation filter.
+/// Takes MosseTrackerData, gives MosseTrackerResult (updater). Its state is always NoResult.
+/// Method: Bolme et al., CVPR 2010.
+/// @throws cv::Exception  `data` is null while the frame is not empty, or the frame is empty; or the rectangle is
+///     smaller than 2 x 2, and then the tracker stays as it was
+/// @throws std::invalid_argument  `TrackerMode` is neither 0 nor 1 (when created)
 QUARRY_API void CreateCVMosseTracker(void** handle, MosseTrackerOptions* options);
 
-/// Cosine similarity of two embeddings: takes EmbeddingData, gives CosineOutputData (processor).
+/// Cosine similarity of two embeddings of 512 values, such as descriptors of faces.
+/// Takes EmbeddingData, gives CosineOutputData (processor).
+/// @throws std::invalid_argument  an embedding is null
 QUARRY_API void CreateCVCosineSimilarity(void** handle, ProcessOptions* options);
 
-/// Fire pixels: takes FireInputData, gives FireOutputData (processor).
+/// The flame region of a frame: the largest region of flame colours in CIE L*a*b*.
+/// Takes FireInputData, gives FireOutputData (processor).
+/// @throws std::invalid_argument  the frame has more than 2147483647 pixels
+/// @throws cv::Exception  the frame is empty, `data` is null, or a side of the frame is negative
 QUARRY_API void CreateCVPixelwiseFireProcessor(void** handle, ProcessOptions* options);
 
 #ifdef __cplusplus

@@ -4,10 +4,10 @@
 
 #include "Quarry/Framing.h"
 
-/// A frame or picture, by pointer to its pixels.
+/// A frame or picture, by pointer to its pixels: three bytes per pixel.
 ///
-/// Frames are 8-bit with three channels and are read as packed (`width * 3` bytes per row) whatever `stride` says,
-/// unless an operation says otherwise.
+/// Frames are read as packed (`width` x 3 bytes per row) whatever `stride` says, unless an operation says
+/// otherwise.
 typedef struct Image {
     uint8_t* data;       ///< first pixel byte
     int32_t width;       ///< pixels per row
@@ -35,10 +35,10 @@ QUARRY_LAYOUT_FIELD(Mask, data, 0);
 QUARRY_LAYOUT_FIELD(Mask, width, 8);
 QUARRY_LAYOUT_FIELD(Mask, height, 12);
 
-/// A point in whatever coordinates its owner says: relative (fractions of the frame's width and height) or pixels.
+/// A point: relative (fractions of the frame's width and height) or in pixels, as its owner says.
 typedef struct FloatPoint {
-    float X;
-    float Y;
+    float X;  ///< to the right
+    float Y;  ///< down
 } FloatPoint;
 
 QUARRY_LAYOUT_SIZE(FloatPoint, 8);
@@ -47,10 +47,10 @@ QUARRY_LAYOUT_FIELD(FloatPoint, Y, 4);
 
 /// A closed contour.
 typedef struct Contour {
-    FloatPoint* Points;  ///< `Count` points in relative coordinates
+    FloatPoint* Points;  ///< `Count` points, relative
     int32_t Count;       ///< number of points
-    float Area;          ///< contour area / (frame width x frame height)
-    float Perimeter;     ///< arc length / frame width
+    float Area;          ///< share of the frame's area, 0..1
+    float Perimeter;     ///< length in pixels / frame width
 } Contour;
 
 QUARRY_LAYOUT_SIZE(Contour, 24);
@@ -59,12 +59,12 @@ QUARRY_LAYOUT_FIELD(Contour, Count, 8);
 QUARRY_LAYOUT_FIELD(Contour, Area, 12);
 QUARRY_LAYOUT_FIELD(Contour, Perimeter, 16);
 
-/// A rectangle in relative coordinates: fractions of the frame's width and height.
+/// A rectangle in fractions of the frame's width and height.
 typedef struct RelRect {
-    float X;
-    float Y;
-    float Width;
-    float Height;
+    float X;       ///< left side, share of the width
+    float Y;       ///< upper side, share of the height
+    float Width;   ///< share of the width
+    float Height;  ///< share of the height
 } RelRect;
 
 QUARRY_LAYOUT_SIZE(RelRect, 16);
@@ -75,10 +75,10 @@ QUARRY_LAYOUT_FIELD(RelRect, Height, 12);
 
 /// A rectangle in pixels.
 typedef struct PixelRect {
-    int16_t X;
-    int16_t Y;
-    int16_t Width;
-    int16_t Height;
+    int16_t X;       ///< left side, pixels
+    int16_t Y;       ///< upper side, pixels
+    int16_t Width;   ///< pixels
+    int16_t Height;  ///< pixels
 } PixelRect;
 
 QUARRY_LAYOUT_SIZE(PixelRect, 8);
@@ -100,7 +100,7 @@ QUARRY_LAYOUT_FIELD(RectArray, Rects, 8);
 /// An array of points.
 typedef struct PointArray {
     union {
-        int32_t Count;        ///< number of points
+        int32_t Count;        ///< number of points; PointsCount is another name of it
         int32_t PointsCount;  ///< the same number; both names are part of the interface
     };
     FloatPoint* Points;  ///< `Count` points
@@ -113,9 +113,9 @@ QUARRY_LAYOUT_FIELD(PointArray, Points, 8);
 
 /// One float per pixel, rows packed.
 typedef struct FloatImage {
-    int32_t width;
-    int32_t height;
-    float* data;  ///< `width * height` floats
+    int32_t width;   ///< pixels per row
+    int32_t height;  ///< rows
+    float* data;     ///< `width` x `height` floats
 } FloatImage;
 
 QUARRY_LAYOUT_SIZE(FloatImage, 16);
@@ -123,21 +123,21 @@ QUARRY_LAYOUT_FIELD(FloatImage, width, 0);
 QUARRY_LAYOUT_FIELD(FloatImage, height, 4);
 QUARRY_LAYOUT_FIELD(FloatImage, data, 8);
 
-/// A displacement in pixels.
+/// A displacement.
 typedef struct AbsVector {
-    float Dx;
-    float Dy;
+    float Dx;  ///< pixels to the right
+    float Dy;  ///< pixels down
 } AbsVector;
 
 QUARRY_LAYOUT_SIZE(AbsVector, 8);
 QUARRY_LAYOUT_FIELD(AbsVector, Dx, 0);
 QUARRY_LAYOUT_FIELD(AbsVector, Dy, 4);
 
-/// One displacement per pixel, rows packed.
+/// A motion field: one displacement per pixel, rows packed.
 typedef struct AbsVectorMatrix {
-    int32_t width;
-    int32_t height;
-    AbsVector* data;  ///< `width * height` displacements
+    int32_t width;    ///< pixels per row
+    int32_t height;   ///< rows
+    AbsVector* data;  ///< `width` x `height` displacements
 } AbsVectorMatrix;
 
 QUARRY_LAYOUT_SIZE(AbsVectorMatrix, 16);
@@ -145,10 +145,10 @@ QUARRY_LAYOUT_FIELD(AbsVectorMatrix, width, 0);
 QUARRY_LAYOUT_FIELD(AbsVectorMatrix, height, 4);
 QUARRY_LAYOUT_FIELD(AbsVectorMatrix, data, 8);
 
-/// A detection: a rectangle and how sure the detector is of it.
+/// A detection.
 typedef struct Response {
-    double Weight;
-    RelRect Rect;
+    double Weight;  ///< how sure the people detector is: 0 or more, larger is surer; a cascade does not set it
+    RelRect Rect;   ///< where it is
 } Response;
 
 QUARRY_LAYOUT_SIZE(Response, 24);
@@ -157,9 +157,9 @@ QUARRY_LAYOUT_FIELD(Response, Rect, 8);
 
 /// A contour and its centre of mass.
 typedef struct Cluster {
-    struct Contour* Contour;
-    float CenterX;  ///< relative to the frame's width
-    float CenterY;  ///< relative to the frame's height
+    struct Contour* Contour;  ///< the outline
+    float CenterX;            ///< share of the frame's width
+    float CenterY;            ///< share of the frame's height
 } Cluster;
 
 QUARRY_LAYOUT_SIZE(Cluster, 16);

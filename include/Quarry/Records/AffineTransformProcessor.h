@@ -6,10 +6,10 @@
 
 /// A frame and the point pairs to align.
 typedef struct AffineTransformData {
-    uint32_t Header;
+    uint32_t Header;       ///< the host's to use; not read
     Image Frame;           ///< 8-bit, 3 channels, rows packed; `timestamp` goes to the result
-    PointArray DstPoints;  ///< in output pixels
-    PointArray SrcPoints;  ///< in frame pixels
+    PointArray DstPoints;  ///< 5 points, in output pixels
+    PointArray SrcPoints;  ///< 5 points, in frame pixels
 } AffineTransformData;
 
 QUARRY_LAYOUT_SIZE(AffineTransformData, 72);

@@ -6,11 +6,12 @@
 
 /// How fast the background is learnt and what differs from it.
 typedef struct BackgroundOptions {
-    uint32_t Header;
+    uint32_t Header;        ///< the host's to use; not read
     float Sensitivity;      ///< 0..1: grey levels above 60 - 20 x `Sensitivity` are foreground
-    int32_t HistoryLength;  ///< frames of history; counts only where no rate follows from the times
-    float AdaptationTime;   ///< seconds in which 88 % of the background are replaced, once it is learnt
-    float LearningSpeedup;  ///< divides `AdaptationTime` while the background is being learnt; 0 divides nothing
+    int32_t HistoryLength;  ///< frames of history; used only where no rate follows from the times
+    float AdaptationTime;   ///< seconds in which a learnt background takes over 88 % of a change
+    /// divides `AdaptationTime` while the background is being learnt; 0 divides nothing
+    float LearningSpeedup;
 } BackgroundOptions;
 
 QUARRY_LAYOUT_SIZE(BackgroundOptions, 20);
@@ -20,11 +21,11 @@ QUARRY_LAYOUT_FIELD(BackgroundOptions, HistoryLength, 8);
 QUARRY_LAYOUT_FIELD(BackgroundOptions, AdaptationTime, 12);
 QUARRY_LAYOUT_FIELD(BackgroundOptions, LearningSpeedup, 16);
 
-/// The next frame.
+/// The next frame. A frame of another size begins a new model.
 typedef struct BackgroundData {
-    uint32_t Header;
-    struct Image
-        Image;  ///< 8-bit B, G, R, rows packed; `stride` is not read; the pixels must live until GetUpdateResult
+    uint32_t Header;  ///< the host's to use; not read
+    /// 8-bit B, G, R, rows packed; `stride` is not read; the pixels must live until GetUpdateResult
+    struct Image Image;
     uint64_t Reserved;  ///< not read
 } BackgroundData;
 

@@ -6,9 +6,9 @@
 
 /// How blobs are traced and which are kept.
 typedef struct ClustererOptions {
-    uint32_t Header;
-    float OutlinePrecision;    ///< above 0.5 contours are traced pixel by pixel
-    float MinContourAreaRate;  ///< smallest blob that is kept, as a share of the frame's area
+    uint32_t Header;           ///< the host's to use; not read
+    float OutlinePrecision;    ///< above 0.5 every border pixel is kept, else Teh-Chin chains
+    float MinContourAreaRate;  ///< 0..1: smallest blob that is kept, share of the frame's area
 } ClustererOptions;
 
 QUARRY_LAYOUT_SIZE(ClustererOptions, 12);
@@ -18,7 +18,7 @@ QUARRY_LAYOUT_FIELD(ClustererOptions, MinContourAreaRate, 8);
 
 /// A frame with blobs.
 typedef struct ClustererData {
-    uint32_t Header;
+    uint32_t Header;     ///< the host's to use; not read
     struct Image Image;  ///< 8-bit R, G, B, rows packed; `stride` and `timestamp` are not read
 } ClustererData;
 
@@ -29,7 +29,7 @@ QUARRY_LAYOUT_FIELD(ClustererData, Image, 8);
 /// The clusters; give them back with `DisposeResult`.
 typedef struct ClustererResult {
     uint64_t Unwritten;  ///< the library leaves these bytes as they are
-    Cluster* Clusters;   ///< `Count` clusters
+    Cluster* Clusters;   ///< `Count` clusters, in the order in which they are found
     int32_t Count;       ///< number of clusters
 } ClustererResult;
 

@@ -6,11 +6,12 @@
 
 /// How contours are traced and which one is chosen.
 typedef struct ContourCalcingOptions {
-    uint32_t Header;
+    uint32_t Header;    ///< the host's to use; not read
     uint32_t Reserved;  ///< not read
-    int32_t
-        ApproximationMethod;  ///< 1 every border pixel, 2 ends of straight runs, 3 and 4 Teh-Chin chains (L1, k-cosine)
-    int32_t SelectionMode;    ///< 0 largest area, 1 largest bounding-box diagonal, any other value chooses none
+    /// 1 every border pixel, 2 ends of straight runs, 3 and 4 Teh-Chin chains (L1, k-cosine)
+    int32_t ApproximationMethod;
+    /// 0 largest area, 1 largest diagonal of the bounding box; any other value chooses none
+    int32_t SelectionMode;
 } ContourCalcingOptions;
 
 QUARRY_LAYOUT_SIZE(ContourCalcingOptions, 16);
@@ -21,9 +22,9 @@ QUARRY_LAYOUT_FIELD(ContourCalcingOptions, SelectionMode, 12);
 
 /// A mask of the whole frame and the rectangle around one object in it.
 typedef struct ContourCalcingInputData {
-    uint32_t Header;
+    uint32_t Header;     ///< the host's to use; not read
     Mask ObjectMask;     ///< non-zero bytes are foreground
-    RelRect ObjectRect;  ///< relative to the frame
+    RelRect ObjectRect;  ///< relative to the mask, and inside it
 } ContourCalcingInputData;
 
 QUARRY_LAYOUT_SIZE(ContourCalcingInputData, 40);
@@ -31,10 +32,10 @@ QUARRY_LAYOUT_FIELD(ContourCalcingInputData, Header, 0);
 QUARRY_LAYOUT_FIELD(ContourCalcingInputData, ObjectMask, 8);
 QUARRY_LAYOUT_FIELD(ContourCalcingInputData, ObjectRect, 24);
 
-/// The chosen contour; give it back with `DisposeResult`.
+/// The chosen contour; give it back with `DisposeResult`, also when it has no points.
 typedef struct ContourResult {
     int32_t Status;           ///< always 0
-    struct Contour* Contour;  ///< in relative frame coordinates
+    struct Contour* Contour;  ///< relative to the mask; no points: nothing was found
 } ContourResult;
 
 QUARRY_LAYOUT_SIZE(ContourResult, 16);

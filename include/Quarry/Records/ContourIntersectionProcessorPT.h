@@ -6,7 +6,7 @@
 
 /// Holds nothing that is read.
 typedef struct ContourIntersectionProcessorOptions {
-    uint32_t Header;
+    uint32_t Header;    ///< the host's to use; not read
     uint32_t Reserved;  ///< not read
 } ContourIntersectionProcessorOptions;
 
@@ -16,9 +16,9 @@ QUARRY_LAYOUT_FIELD(ContourIntersectionProcessorOptions, Reserved, 4);
 
 /// A polygon and the contour to place, both in the same coordinates.
 typedef struct ContourIntersectionProcessorData {
-    uint32_t Header;
+    uint32_t Header;      ///< the host's to use; not read
     Contour Polygon;      ///< only `Points` and `Count` are read
-    Contour TestContour;  ///< only `Points` and `Count` are read; at least one point
+    Contour TestContour;  ///< at least one point; only `Points` and `Count` are read
 } ContourIntersectionProcessorData;
 
 QUARRY_LAYOUT_SIZE(ContourIntersectionProcessorData, 56);
@@ -29,7 +29,7 @@ QUARRY_LAYOUT_FIELD(ContourIntersectionProcessorData, TestContour, 32);
 /// Where the contour lies; holds no buffer. The spelling of the name is part of the interface.
 typedef struct ContourInstersectionProcessorResult {
     int32_t Status;    ///< always 0
-    int32_t Position;  ///< 1 inside or undecided, -1 outside, 0 crossing
+    int32_t Position;  ///< 1 inside, -1 outside, 0 across the border; 1 when the first point is on the border
 } ContourInstersectionProcessorResult;
 
 QUARRY_LAYOUT_SIZE(ContourInstersectionProcessorResult, 8);

@@ -6,9 +6,9 @@
 
 /// How shapes are compared.
 typedef struct ContourRateMeasuringOptions {
-    uint32_t Header;
+    uint32_t Header;      ///< the host's to use; not read
     uint32_t Reserved;    ///< not read
-    int32_t MatchMethod;  ///< 1, 2 or 3: I1, I2, I3 of the Hu moment comparison
+    int32_t MatchMethod;  ///< 1, 2 or 3: I1, I2, I3 of the comparison of Hu moments
 } ContourRateMeasuringOptions;
 
 QUARRY_LAYOUT_SIZE(ContourRateMeasuringOptions, 12);
@@ -18,13 +18,13 @@ QUARRY_LAYOUT_FIELD(ContourRateMeasuringOptions, MatchMethod, 8);
 
 /// Two contours of one object, some time apart.
 typedef struct ContourRateMeasuringInputData {
-    uint32_t Header;
+    uint32_t Header;          ///< the host's to use; not read
     Contour CurrentContour;   ///< only `Points` and `Count` are read
     Contour PreviousContour;  ///< only `Points` and `Count` are read
     int16_t FrameWidth;       ///< pixels
     int16_t FrameHeight;      ///< pixels
-    double DefaultRate;       ///< returned as it is when the frame's size is zero
-    double Interval;          ///< time between the contours in milliseconds
+    double DefaultRate;       ///< given back as it is when `FrameWidth` or `FrameHeight` is 0
+    double Interval;          ///< milliseconds between the contours
 } ContourRateMeasuringInputData;
 
 QUARRY_LAYOUT_SIZE(ContourRateMeasuringInputData, 80);
@@ -36,10 +36,10 @@ QUARRY_LAYOUT_FIELD(ContourRateMeasuringInputData, FrameHeight, 58);
 QUARRY_LAYOUT_FIELD(ContourRateMeasuringInputData, DefaultRate, 64);
 QUARRY_LAYOUT_FIELD(ContourRateMeasuringInputData, Interval, 72);
 
-/// Shape change; holds no buffer.
+/// The rate; holds no buffer.
 typedef struct ContourRateMeasuringOutputData {
     int32_t Status;  ///< always 0
-    double Rate;     ///< shape change per second
+    double Rate;     ///< shape change per second; infinite or not a number at an `Interval` of 0
 } ContourRateMeasuringOutputData;
 
 QUARRY_LAYOUT_SIZE(ContourRateMeasuringOutputData, 16);

@@ -6,10 +6,12 @@
 
 /// How fine the flow is. A value outside 0..1, or one that is not a number, leaves the default in place.
 typedef struct OFCOptions {
-    uint32_t Header;
-    float Detail;       ///< 0..1: larger values give a smaller averaging window (27 to 7 pixels; 18 by default)
+    uint32_t Header;    ///< the host's to use; not read
+    float Detail;       ///< 0..1: side of the averaging window, from 27 down to 7 pixels; 18 by default
     uint32_t Reserved;  ///< not read
-    float Quality;      ///< 0..1: pyramid levels and iterations (0 to 10 each; 5 and 3 by default)
+    /// 0..1: pyramid levels and iterations, 0 to 10 each (1 iteration at exactly 0), with a Gaussian window
+    /// above 0.7; 5 and 3 by default
+    float Quality;
 } OFCOptions;
 
 QUARRY_LAYOUT_SIZE(OFCOptions, 16);
@@ -18,9 +20,9 @@ QUARRY_LAYOUT_FIELD(OFCOptions, Detail, 4);
 QUARRY_LAYOUT_FIELD(OFCOptions, Reserved, 8);
 QUARRY_LAYOUT_FIELD(OFCOptions, Quality, 12);
 
-/// The next frame.
+/// The next frame. One of another size, null or not, begins anew; one with null `data` gives no result.
 typedef struct OFCData {
-    uint32_t Header;
+    uint32_t Header;     ///< the host's to use; not read
     struct Image Image;  ///< 8-bit R, G, B, rows packed; `stride` and `timestamp` are not read
 } OFCData;
 

@@ -6,12 +6,12 @@
 
 /// A frame and the ellipse to measure in it.
 typedef struct FaceVoLInputData {
-    uint32_t Header;
+    uint32_t Header;     ///< the host's to use; not read
     struct Image Image;  ///< 8-bit B, G, R, rows packed; `stride` and `timestamp` are not read
-    int16_t FaceX;       ///< ellipse centre, column in pixels
-    int16_t FaceY;       ///< ellipse centre, row in pixels
-    int16_t FaceWidth;   ///< half-axis along x, pixels
-    int16_t FaceHeight;  ///< half-axis along y, pixels
+    int16_t FaceX;       ///< centre of the ellipse, column in pixels
+    int16_t FaceY;       ///< centre of the ellipse, row in pixels
+    int16_t FaceWidth;   ///< half-axis along x, pixels, 0 or more
+    int16_t FaceHeight;  ///< half-axis along y, pixels, 0 or more
 } FaceVoLInputData;
 
 QUARRY_LAYOUT_SIZE(FaceVoLInputData, 48);

@@ -6,7 +6,7 @@
 
 /// Holds nothing that is read.
 typedef struct BinaryImageOperationOptions {
-    uint32_t Header;
+    uint32_t Header;       ///< the host's to use; not read
     uint32_t Reserved;     ///< not read
     uint8_t ReservedByte;  ///< not read
 } BinaryImageOperationOptions;
@@ -18,7 +18,7 @@ QUARRY_LAYOUT_FIELD(BinaryImageOperationOptions, ReservedByte, 8);
 
 /// Two frames of the same size.
 typedef struct BinaryImageOperationData {
-    uint32_t Header;
+    uint32_t Header;    ///< the host's to use; not read
     Image FirstImage;   ///< 8-bit, 3 channels, rows packed; `stride` and `timestamp` go to the result
     Image SecondImage;  ///< only `data` is read: its size is that of the first
 } BinaryImageOperationData;
@@ -31,7 +31,7 @@ QUARRY_LAYOUT_FIELD(BinaryImageOperationData, SecondImage, 40);
 /// The difference; give it back with `DisposeResult`.
 typedef struct ImageOperationResult {
     int32_t Status;       ///< always 0
-    struct Image* Image;  ///< with the first frame's geometry and timestamp
+    struct Image* Image;  ///< the first frame's size, `stride` and `timestamp`; rows packed, bytes 0..255
 } ImageOperationResult;
 
 QUARRY_LAYOUT_SIZE(ImageOperationResult, 16);

@@ -6,7 +6,7 @@
 
 /// Holds nothing that is read.
 typedef struct OFLineOptions {
-    uint32_t Header;
+    uint32_t Header;    ///< the host's to use; not read
     uint32_t Reserved;  ///< not read
 } OFLineOptions;
 
@@ -16,14 +16,14 @@ QUARRY_LAYOUT_FIELD(OFLineOptions, Reserved, 4);
 
 /// A motion field and the line through it.
 typedef struct OFLineData {
-    uint32_t Header;
+    uint32_t Header;              ///< the host's to use; not read
     uint32_t Reserved[3];         ///< not read
-    AbsVectorMatrix* FlowMatrix;  ///< the motion field
-    float LineStartX;             ///< relative to the field's width
-    float LineStartY;             ///< relative to the field's height
-    float LineEndX;               ///< relative to the field's width
-    float LineEndY;               ///< relative to the field's height
-    int32_t ValuesCount;          ///< number of values wanted
+    AbsVectorMatrix* FlowMatrix;  ///< the motion field; an empty or null one gives zeros
+    float LineStartX;             ///< share of the field's width, 0..1
+    float LineStartY;             ///< share of the field's height, 0..1
+    float LineEndX;               ///< share of the field's width, 0..1
+    float LineEndY;               ///< share of the field's height, 0..1
+    int32_t ValuesCount;          ///< number of values wanted, 0 or more
     uint32_t ReservedEnd;         ///< not read
 } OFLineData;
 
@@ -38,10 +38,12 @@ QUARRY_LAYOUT_FIELD(OFLineData, LineEndY, 36);
 QUARRY_LAYOUT_FIELD(OFLineData, ValuesCount, 40);
 QUARRY_LAYOUT_FIELD(OFLineData, ReservedEnd, 44);
 
-/// The profile; give it back with `DisposeResult`.
+/// The profile along the line; give it back with `DisposeResult`.
 typedef struct OFLineResult {
-    uint64_t Unwritten;   ///< the library leaves these bytes as they are
-    float* Values;        ///< `ValuesCount` values; not a number where rounding leaves no distance
+    uint64_t Unwritten;  ///< the library leaves these bytes as they are
+    /// `ValuesCount` signed distances from the line, pixels, from its start to its end; not a number where
+    /// rounding leaves no distance
+    float* Values;
     int32_t ValuesCount;  ///< number of values
 } OFLineResult;
 

@@ -7,8 +7,8 @@
 
 /// A frame to search.
 typedef struct FireInputData {
-    uint32_t Header;
-    Image Frame;  ///< 8-bit B, G, R, rows packed; `stride` and `timestamp` are not read
+    uint32_t Header;  ///< the host's to use; not read
+    Image Frame;      ///< 8-bit B, G, R, rows packed; `stride` and `timestamp` are not read
 } FireInputData;
 
 QUARRY_LAYOUT_SIZE(FireInputData, 40);

@@ -6,7 +6,7 @@
 
 /// Holds nothing that is read.
 typedef struct ProcessOptions {
-    uint32_t Header;
+    uint32_t Header;    ///< the host's to use; not read
     uint32_t Reserved;  ///< not read
 } ProcessOptions;
 

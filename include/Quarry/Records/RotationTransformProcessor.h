@@ -6,11 +6,12 @@
 
 /// A frame and how to turn it.
 typedef struct RotationTransformData {
-    uint32_t Header;
-    Image Frame;   ///< 8-bit, 3 channels, rows packed, taken to be of the options' size; `stride` and `timestamp` go to
-                   ///< the result
+    uint32_t Header;  ///< the host's to use; not read
+    /// 8-bit, 3 channels, rows packed, taken to be of the options' size; `stride` and `timestamp` go to the
+    /// result
+    Image Frame;
     double Angle;  ///< degrees, positive turns counter-clockwise
-    double Scale;  ///< scale factor
+    double Scale;  ///< factor; changes the picture, not the canvas
 } RotationTransformData;
 
 QUARRY_LAYOUT_SIZE(RotationTransformData, 56);

@@ -6,7 +6,7 @@
 
 /// Size of the output.
 typedef struct TransformOptions {
-    uint32_t Header;
+    uint32_t Header;    ///< the host's to use; not read
     uint32_t Reserved;  ///< not read
     int32_t Width;      ///< pixels
     int32_t Height;     ///< pixels
@@ -21,7 +21,7 @@ QUARRY_LAYOUT_FIELD(TransformOptions, Height, 12);
 /// The transformed frame; give it back with `DisposeResult`.
 typedef struct TransformResult {
     int32_t Status;      ///< always 0
-    Image* ResultImage;  ///< of the options' size, 3 channels
+    Image* ResultImage;  ///< of the options' size, 3 channels, rows packed, with the frame's `timestamp`
 } TransformResult;
 
 QUARRY_LAYOUT_SIZE(TransformResult, 16);

@@ -6,8 +6,8 @@
 
 /// A float image of an updater.
 typedef struct FloatImageUpdaterResult {
-    int32_t Status;  ///< always 0
-    FloatImage* Image;
+    int32_t Status;     ///< always 0
+    FloatImage* Image;  ///< the image
 } FloatImageUpdaterResult;
 
 QUARRY_LAYOUT_SIZE(FloatImageUpdaterResult, 16);
@@ -16,8 +16,8 @@ QUARRY_LAYOUT_FIELD(FloatImageUpdaterResult, Image, 8);
 
 /// A depth map.
 typedef struct DepthMapCalcResult {
-    int32_t Status;  ///< always 0
-    FloatImage* DepthMap;
+    int32_t Status;        ///< always 0
+    FloatImage* DepthMap;  ///< the map
 } DepthMapCalcResult;
 
 QUARRY_LAYOUT_SIZE(DepthMapCalcResult, 16);
@@ -29,7 +29,7 @@ typedef struct SODResult {
     int32_t Status;      ///< always 0
     FloatPoint* Points;  ///< `Count` points
     int32_t Count;       ///< number of points
-    struct Mask* Mask;
+    struct Mask* Mask;   ///< of the frame
 } SODResult;
 
 QUARRY_LAYOUT_SIZE(SODResult, 32);
