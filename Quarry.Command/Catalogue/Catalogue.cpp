@@ -1,22 +1,54 @@
 #include "Catalogue/Catalogue.h"
 
+#include <Quarry/Operations.h>
+
 #include <algorithm>
+#include <cctype>
 #include <iterator>
 #include <numeric>
 
-#include "Catalogue/Families.h"
+#include "Catalogue/Describing.h"
 
 namespace quarry::command {
+
+#include "Descriptions.inc"
+
 namespace {
 
-std::vector<Operation> AllOperations() {
-    std::vector<Operation> all;
-    for (const auto chapter : {SharpnessOperations, PictureOperations, StreamOperations, FlowOperations,
-                               ContourOperations, PersonOperations, ColourOperations, GeometryOperations}) {
-        std::vector<Operation> operations = chapter();
-        std::move(operations.begin(), operations.end(), std::back_inserter(all));
+/// "ContourGrid" as "contour-grid".
+std::string WithHyphens(const std::string& publicName) {
+    std::string name;
+    for (const char c : publicName) {
+        const bool isCapital = std::isupper(static_cast<unsigned char>(c)) != 0;
+        if (isCapital && !name.empty()) name += '-';
+        name += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
-    return all;
+    return name;
+}
+
+/// What every operation of a kind refuses, before what the operation itself refuses.
+std::vector<Error> ErrorsOf(Kind kind, const std::vector<Error>& own) {
+    std::vector<Error> errors = {
+        {"MarshalingException", "a record's length word or tag is wrong; nothing has changed then"}};
+    errors.insert(errors.end(), own.begin(), own.end());
+    if (kind == Kind::Updater) {
+        errors.push_back({"std::logic_error", "GetUpdateResult is called before a frame was taken in"});
+    }
+    return errors;
+}
+
+Operation Entry(const std::string& publicName, Kind kind, const char* factory, const char* verb,
+                const OperationText& text, const Record& options, const Record& input, const Record& result) {
+    return {WithHyphens(publicName),    text.summary, kind, factory, verb, text.method, options, input, result,
+            ErrorsOf(kind, text.errors)};
+}
+
+std::vector<Operation> AllOperations() {
+#define QUARRY_ENTRY(Name, Factory, Options, Input, Result, Kind_, Handle, Source, Verb)                 \
+    Entry(#Name, Kind::Kind_, #Factory, Verb, TextOf##Factory(), RecordOf<Options>(), RecordOf<Input>(), \
+          RecordOf<Result>()),
+    return {QUARRY_OPERATIONS(QUARRY_ENTRY)};
+#undef QUARRY_ENTRY
 }
 
 /// How many letters must be put in, left out or replaced to make one word of the other.

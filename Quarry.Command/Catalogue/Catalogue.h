@@ -35,7 +35,7 @@ struct Error {
 };
 
 struct Operation {
-    const char* name;
+    std::string name;  ///< the public name in words with hyphens: "contour-grid"
     const char* summary;
     Kind kind;
     const char* factory;

@@ -1,6 +1,6 @@
 /// @file
-/// How the sources of the catalogue describe records. Offsets, sizes and types are the compiler's own, so that a
-/// description cannot differ from the record.
+/// How the catalogue lays out records. Offsets, sizes and types are the compiler's own, so that a description cannot
+/// differ from the record.
 #pragma once
 
 #include <Quarry/Quarry.h>
@@ -19,35 +19,13 @@
 
 /// A record; its fields follow in the order of the declaration.
 #define QUARRY_RECORD(RecordType, meaning, ...) \
-    ::quarry::command::RecordOf<RecordType>(#RecordType, meaning, {__VA_ARGS__})
+    ::quarry::command::LaidOut<RecordType>(#RecordType, meaning, {__VA_ARGS__})
 
 namespace quarry::command {
 
-/// The description of a record that others hold; there is one for each of them.
-template <class Shared>
-const Record& SharedRecord();
-template <>
-const Record& SharedRecord<Image>();
-template <>
-const Record& SharedRecord<Mask>();
-template <>
-const Record& SharedRecord<FloatPoint>();
-template <>
-const Record& SharedRecord<Contour>();
-template <>
-const Record& SharedRecord<RelRect>();
-template <>
-const Record& SharedRecord<PixelRect>();
-template <>
-const Record& SharedRecord<PointArray>();
-template <>
-const Record& SharedRecord<AbsVector>();
-template <>
-const Record& SharedRecord<AbsVectorMatrix>();
-template <>
-const Record& SharedRecord<Response>();
-template <>
-const Record& SharedRecord<Cluster>();
+/// The description of a record of the public headers; there is one for each of them.
+template <class RecordType>
+const Record& RecordOf();
 
 /// What is left of a type without pointers, arrays and qualifiers.
 template <class T>
@@ -55,7 +33,7 @@ using Bare = std::remove_cv_t<std::remove_pointer_t<std::remove_all_extents_t<T>
 
 template <class T>
 const Record* HeldBy() {
-    if constexpr (std::is_class_v<Bare<T>>) return &SharedRecord<Bare<T>>();
+    if constexpr (std::is_class_v<Bare<T>>) return &RecordOf<Bare<T>>();
     return nullptr;
 }
 
@@ -82,7 +60,7 @@ std::string TypeName() {
     } else if constexpr (std::is_const_v<T>) {
         return "const " + TypeName<std::remove_const_t<T>>();
     } else if constexpr (std::is_class_v<T>) {
-        return SharedRecord<T>().name;
+        return RecordOf<T>().name;
     } else {
         return NumberName<T>();
     }
@@ -95,26 +73,15 @@ Field FieldOf(const char* name, std::size_t offset, const char* meaning) {
 }
 
 template <class T>
-Record RecordOf(const char* name, const char* meaning, std::vector<Field> fields) {
+Record LaidOut(const char* name, const char* meaning, std::vector<Field> fields) {
     return {name, meaning, sizeof(T), std::move(fields)};
 }
 
-// What the same field means wherever it stands.
-constexpr const char* kHeader = "the host's to use; not read";
-constexpr const char* kNotRead = "not read";
-constexpr const char* kStatus = "always 0";
-constexpr const char* kBgr = "8-bit B, G, R, rows packed; stride and timestamp are not read";
-constexpr const char* kRgb = "8-bit R, G, B, rows packed; stride and timestamp are not read";
-
-constexpr Error kWrongFrame = {"MarshalingException",
-                               "a record's length word or tag is wrong; nothing has changed then"};
-
-constexpr Error kNoFrame = {"cv::Exception", "data is null while the frame is not empty, or the frame is empty"};
-
-/// What every updater says before its first frame.
-constexpr Error kNoResultYet = {"std::logic_error", "GetUpdateResult is called before a frame was taken in"};
-
-/// Options that set nothing.
-Record PlainOptions();
+/// What the comment of a factory says.
+struct OperationText {
+    const char* summary;
+    const char* method;
+    std::vector<Error> errors;
+};
 
 }  // namespace quarry::command

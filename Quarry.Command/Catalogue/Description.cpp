@@ -129,7 +129,7 @@ const char* NameOf(Kind kind) {
 }
 
 std::string TextOf(const Operation& operation) {
-    std::string text = std::string(operation.name) + "\n" + operation.summary + "\n\n";
+    std::string text = operation.name + "\n" + operation.summary + "\n\n";
     text += Format("  kind     %s: %s\n  factory  %s\n  command  quarry %s\n", NameOf(operation.kind),
                    CallsOf(operation.kind), operation.factory, operation.verb);
     if (*operation.method != '\0') text += Format("  method   %s\n", operation.method);
@@ -147,7 +147,7 @@ std::string TextOf(const Operation& operation) {
 }
 
 std::string MarkdownOf(const Operation& operation) {
-    std::string text = std::string("# ") + operation.name + "\n\n" + Escaped(operation.summary) + ".\n";
+    std::string text = "# " + operation.name + "\n\n" + Escaped(operation.summary) + ".\n";
     text += FactsAsMarkdown(operation);
     for (const Part& part : PartsOf(operation)) {
         text += "\n## " + Capitalized(part.role) + ": " + Code(part.record->name) +

@@ -23,7 +23,7 @@ void WriteTable() {
     std::size_t names = 0;
     std::size_t verbs = 0;
     for (const Operation& operation : Catalogue()) {
-        names = std::max(names, std::string(operation.name).size());
+        names = std::max(names, operation.name.size());
         verbs = std::max(verbs, std::string(operation.verb).size());
     }
     const auto line = [&](const char* name, const char* kind, const char* verb, const char* summary) {
@@ -32,7 +32,7 @@ void WriteTable() {
     };
     line("operation", "kind", "verb", "what it gives");
     for (const Operation& operation : Catalogue()) {
-        line(operation.name, NameOf(operation.kind), operation.verb, operation.summary);
+        line(operation.name.c_str(), NameOf(operation.kind), operation.verb, operation.summary);
     }
 }
 
