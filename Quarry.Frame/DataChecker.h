@@ -10,7 +10,7 @@
 template <class T>
 class DataChecker {
 public:
-    /// @throws MarshalingException  `size` is not in 1..120, so no record can be meant
+    /// @throws MarshalingException  `size` is not in 1..120; no record has such a length
     static void Check(T* /*data*/, int size) {
         if (!Marshaler::IsSizeCorrect(size)) throw MarshalingException();
     }
@@ -18,11 +18,11 @@ public:
 
 namespace quarry {
 
-/// Checks the frame around a record of type T before anything of the record is read: range of the length word, the
-/// length itself, then the tag. All three fail alike.
-/// @param role  what the record is to the caller, for the message about a null pointer
+/// Checks the envelope of a record of type T before the record is read: the range of the length word, the length itself,
+/// then the tag. Each failure throws the same exception.
+/// @param role  "options", "input" or "result", for the message about a null pointer
 /// @throws std::invalid_argument  `record` is null
-/// @throws MarshalingException    the frame is wrong
+/// @throws MarshalingException    the envelope is wrong
 template <class T>
 void CheckRecord(T* record, int32_t tag, const char* role) {
     if (record == nullptr)

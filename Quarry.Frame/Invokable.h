@@ -2,8 +2,10 @@
 
 #include "Quarry.Frame/Disposable.h"
 
-/// A handle: owns exactly one target. The slot after GetTarget is the one the drivers call, so the order of the virtual
-/// functions is part of the interface, and there is no room for a virtual destructor: Dispose runs this one.
+/// A handle: owns exactly one target.
+///
+/// The drivers call the slot after GetTarget, so the order of the virtual functions is part of the interface. A virtual
+/// destructor would take slots of its own; that is why Dispose calls this destructor by name.
 class Invokable {
 public:
     Invokable() = default;

@@ -5,7 +5,7 @@
 
 #include "Quarry/Framing.h"
 
-/// Reads the frame around a record (see Quarry/Framing.h).
+/// Reads the envelope around a record (see Quarry/Framing.h).
 class Marshaler {
 public:
     /// The length word: the four bytes before the record.

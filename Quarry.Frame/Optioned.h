@@ -7,7 +7,7 @@
 template <class O>
 class Optioned : public Disposable {
 protected:
-    /// @throws MarshalingException    the record's frame is wrong
+    /// @throws MarshalingException    the record's envelope is wrong
     /// @throws std::invalid_argument  the record is null
     explicit Optioned(O* source) : options(Checked(source)) {}
 

@@ -18,8 +18,8 @@ class Updatable : public IUpdatable, public Optioned<O>, public Initializable<D>
 public:
     explicit Updatable(O* source) : Optioned<O>(source) {}
 
-    /// Checks the record, (re)initialises when the frame asks for it, then takes the frame in. Either step gets a copy
-    /// of its own, so that neither sees what the other did to it.
+    /// Checks the record, initialises when NeedInitialize says so, then takes the frame in. Each step gets its own copy
+    /// of the record, so that it does not see changes that the other made.
     void Update(UpdateData* data) override {
         D* const frame = reinterpret_cast<D*>(data);
         quarry::CheckRecord(frame, QUARRY_INPUT_TAG, "input");

@@ -7,12 +7,12 @@
 
 namespace quarry {
 
-/// The product as the records count: in 32 bits, wrapping.
+/// The product in 32 bits, wrapping, as the sizes of records are defined.
 inline int32_t Product(int32_t a, int32_t b) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
 }
 
-/// A count as an array takes it. A negative one is an impossible size and fails like any lack of memory.
+/// The count as the size of an array. A negative count is an impossible size and fails as a lack of memory does.
 /// @throws std::bad_alloc
 inline std::size_t ArraySize(int64_t count) {
     if (count < 0) throw std::bad_alloc();

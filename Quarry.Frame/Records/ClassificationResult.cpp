@@ -22,7 +22,7 @@ ClassificationResult CreateClassificationResult(int count, RelRect* rects) {
 
 void DestroyClassificationResult(ClassificationResult*& result) {
     if (result == nullptr) return;
-    // A record that counts nothing keeps whatever array it has: hosts may share one there.
+    // A record whose count is 0 does not own its array: a host may have put a shared one there.
     if (result->Count != 0) quarry::DeleteArray(result->Responses);
     result = nullptr;
 }

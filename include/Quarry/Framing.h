@@ -1,5 +1,5 @@
 /// @file
-/// The frame around every record that crosses the interface.
+/// The envelope around every record that crosses the interface.
 ///
 ///         -4       0                      L        L + 4
 ///          | L     | the record, L bytes  | tag    |
@@ -9,8 +9,8 @@
 /// record is stopped with a MarshalingException instead of corrupting memory. All numbers are little-endian.
 ///
 /// Options and input records begin with a 32-bit `Header` that is the host's to use: the library never reads it.
-/// Most result records begin with a 32-bit `Status` that the library sets to 0 whenever it fills the record; of the
-/// others it leaves the first eight bytes as they are.
+/// Most result records begin with a 32-bit `Status`, which the library sets to 0 whenever it fills the record. The others
+/// begin with eight bytes that the library does not write.
 #pragma once
 
 #include <assert.h>
@@ -26,7 +26,7 @@
 /// No record is longer than this many bytes.
 #define QUARRY_MAX_RECORD_LENGTH 120
 
-/// The type of a record together with its frame; pass the address of `Record`.
+/// The type of a record together with its envelope; pass the address of `Record`.
 ///
 ///     QUARRY_FRAMED(VoLInputData) input = {0, sizeof(VoLInputData), {0, frame}, QUARRY_INPUT_TAG};
 ///     Process(handle, (ProcessData*)&input.Record, ...);

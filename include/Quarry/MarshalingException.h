@@ -1,5 +1,5 @@
 /// @file
-/// What the library throws when the frame around a record is wrong (C++).
+/// What the library throws when the envelope around a record is wrong (C++).
 #pragma once
 
 #include "Quarry/Export.h"

@@ -1,25 +1,21 @@
 /// @file
-/// Records in their frames.
+/// Records in their envelopes.
 #pragma once
 
 #include <cstdint>
 #include <type_traits>
 
+#include "Quarry/Operations.h"
 #include "Quarry/Quarry.h"
 
 namespace quarry {
 
 namespace detail {
 
-template <class Record, class... Records>
-inline constexpr bool kIsAnyOf = (std::is_same_v<Record, Records> || ...);
-
+#define QUARRY_IS_OPTIONS(Name, Factory, Options, ...) std::is_same_v<Record, Options> ||
 template <class Record>
-inline constexpr bool kIsOptions =
-    kIsAnyOf<Record, BackgroundOptions, BinaryImageOperationOptions, ClassificationOptions, ClustererOptions,
-             ColorComparingOptions, ContourCalcingOptions, ContourIntersectionProcessorOptions,
-             ContourMaskProcessorOptions, ContourRateMeasuringOptions, FilterOptions, KMeanOptions, MosseTrackerOptions,
-             OFCOptions, OFLineOptions, ProcessOptions, RectExtractorOptions, TransformOptions>;
+inline constexpr bool kIsOptions = QUARRY_OPERATIONS(QUARRY_IS_OPTIONS) false;
+#undef QUARRY_IS_OPTIONS
 
 /// Options and input records begin with a `Header`, result records do not.
 template <class Record, class = void>
@@ -35,7 +31,7 @@ inline constexpr uint32_t kTagOf = detail::kIsOptions<Record>   ? QUARRY_OPTIONS
                                    : detail::kHasHeader<Record> ? QUARRY_INPUT_TAG
                                                                 : QUARRY_RESULT_TAG;
 
-/// A record in its frame: length word, record, tag. Copies are frames of their own.
+/// A record in its envelope: length word, record, tag. A copy has an envelope of its own.
 template <class Content>
 class Framed {
 public:
