@@ -6,6 +6,28 @@ from typing import NamedTuple
 import numpy as np
 import numpy.typing as npt
 
+__all__ = [
+    "BackgroundResult",
+    "Box",
+    "CascadeMode",
+    "ClothingColorsResult",
+    "Cluster",
+    "ContourPosition",
+    "HistogramMeasure",
+    "Interpolation",
+    "MarshalingError",
+    "OpenCVError",
+    "Outline",
+    "Person",
+    "RelRect",
+    "Selection",
+    "ShapeMeasure",
+    "State",
+    "Tracing",
+    "Track",
+    "TrackerMode",
+]
+
 
 class MarshalingError(RuntimeError):
     """The library and this package do not agree about a record: they are of different versions."""
