@@ -18,13 +18,16 @@ constexpr int kSearchWindow = 21;   ///< pixels
 
 FilterResult FastNlMeansDenoisingFilter::DoProcess(FilterData data) {
     const Image& image = data.Image;
-    const bool empty = quarry::Product(image.width, image.height) <= 0;
-    if (!empty) quarry::CheckRoomForPackedFrame("FilterData.Image", image.width, image.height, image.stride);
+    cv::Mat frame;
+    if (quarry::Product(image.width, image.height) > 0) {
+        frame = quarry::PackedFrame(image);  // before the stride: null pixels are OpenCV's to refuse
+        quarry::CheckRoomForPackedFrame("FilterData.Image", image.width, image.height, image.stride);
+    }
     quarry::PendingResult result(CreateFilterResult(image.width, image.height, image.stride, image.timestamp),
                                  DestroyFilterResult);
-    if (!empty) {
-        cv::fastNlMeansDenoisingColored(quarry::PackedFrame(image), quarry::PackedFrame(*result->Image),
-                                        kLightnessStrength, kColorStrength, kTemplateWindow, kSearchWindow);
+    if (!frame.empty()) {
+        cv::fastNlMeansDenoisingColored(frame, quarry::PackedFrame(*result->Image), kLightnessStrength, kColorStrength,
+                                        kTemplateWindow, kSearchWindow);
     }
     return result.HandOver();
 }

@@ -27,9 +27,10 @@ cv::Mat Rotated(const cv::Mat& frame, double angle, double scale) {
 TransformResult RotationTransformProcessor::DoProcess(RotationTransformData data) {
     const Image& image = data.Frame;
     quarry::CheckFrameSize("TransformOptions", options.Width, options.Height);
+    // The header before the stride: null pixels are OpenCV's to refuse.
+    const cv::Mat frame = quarry::PackedFrame(image.data, options.Width, options.Height);
     quarry::CheckRoomForPackedFrame("RotationTransformData.Frame", options.Width, options.Height, image.stride);
-    const cv::Mat rotated =
-        Rotated(quarry::PackedFrame(image.data, options.Width, options.Height), data.Angle, data.Scale);
+    const cv::Mat rotated = Rotated(frame, data.Angle, data.Scale);
     quarry::PendingResult result(CreateTransformResult(options.Width, options.Height, image.stride, image.timestamp),
                                  DestroyTransformResult);
     cv::Mat resized = quarry::PackedFrame(*result->ResultImage);

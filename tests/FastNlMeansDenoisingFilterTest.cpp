@@ -282,7 +282,8 @@ TEST_F(FastNlMeansDenoisingFilter, GivingBackAResultWithoutAnImageChangesNothing
 }
 
 TEST_F(FastNlMeansDenoisingFilter, RefusesNullPixelsOfAFrameThatIsNotEmpty) {
-    ExpectRefusal<cv::Exception>({nullptr, 4, 4, 12, 0});
+    // Of the last four strides a host with pixels would be told.
+    for (const int stride : {12, 0, 11, -12, kLowest}) ExpectRefusal<cv::Exception>({nullptr, 4, 4, stride, 0});
 }
 
 TEST_F(FastNlMeansDenoisingFilter, RefusesAStrideThatIsTooSmallForThePackedResult) {

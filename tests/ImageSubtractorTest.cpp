@@ -271,6 +271,10 @@ TEST_F(ImageSubtractor, RefusesNullPixelsOfFramesThatAreNotEmpty) {
     ExpectRefusal<cv::Exception>(null, ImageOf(frame));
     ExpectRefusal<cv::Exception>(ImageOf(frame), null);
     ExpectRefusal<cv::Exception>(null, null);
+    for (const int stride : {0, 11, -12, kLowest}) {  // of which a host with pixels would be told
+        null.stride = stride;
+        ExpectRefusal<cv::Exception>(null, null);
+    }
 }
 
 TEST_F(ImageSubtractor, RefusesAStrideThatIsTooSmallForThePackedResult) {

@@ -332,7 +332,10 @@ TEST(RotationTransform, WorksAfterAFailedCall) {
 
 TEST(RotationTransform, RefusesNullPixels) {
     ExpectRefusal<cv::Exception>({9, 7}, {nullptr, 9, 7, 27, 0}, 20.0);
-    ExpectRefusal<cv::Exception>({9, 7}, {nullptr, 0, 0, 27, 0}, 20.0);
+    // Of the last four strides a host with pixels would be told.
+    for (const int stride : {27, 0, 26, -27, std::numeric_limits<int>::min()}) {
+        ExpectRefusal<cv::Exception>({9, 7}, {nullptr, 0, 0, stride, 0}, 20.0);
+    }
 }
 
 TEST(RotationTransform, RefusesAFrameWithoutPixels) {
