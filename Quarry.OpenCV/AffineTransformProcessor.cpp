@@ -1,12 +1,12 @@
 #include "Quarry.OpenCV/AffineTransformProcessor.h"
 
-#include <cassert>
 #include <opencv2/imgproc.hpp>
 
 #include "Quarry.OpenCV/PackedFrame.h"
 #include "Quarry.OpenCV/PendingResult.h"
 
 TransformResult AffineTransformProcessor::DoProcess(AffineTransformData inputData) {
+    // The line number of each of these two assertions is part of the interface.
     assert(inputData.SrcPoints.PointsCount == inputData.DstPoints.PointsCount);
     assert(inputData.SrcPoints.PointsCount == 5);
     const Image& image = inputData.Frame;

@@ -5,9 +5,9 @@
 ColorComparingOutputData ColorComparingProcessor::DoProcess(ColorComparingInputData data) {
     const cv::Mat image1 = Wrap("FirstImage", data.FirstImage);
     const cv::Mat image2 = Wrap("SecondImage", data.SecondImage);
-    // NOLINTBEGIN(bugprone-implicit-widening-of-multiplication-result): hosts know these two by expression and place
-    assert(data.FirstImage.width * 3 == image1.step);
-    assert(data.SecondImage.width * 3 == image2.step);
+    // NOLINTBEGIN(bugprone-implicit-widening-of-multiplication-result): the expressions are, too
+    assert(data.FirstImage.width * 3 == image1.step);   // The line number of this assertion is part of the interface.
+    assert(data.SecondImage.width * 3 == image2.step);  // The line number of this assertion is part of the interface.
     // NOLINTEND(bugprone-implicit-widening-of-multiplication-result)
     const cv::Rect area = CVHelper::RelativeToAbsolute(data.Area, data.FirstImage.width, data.FirstImage.height);
     const cv::Mat histogram1 = HistogramOf(quarry::RegionOf(image1, area));

@@ -1,9 +1,9 @@
 #include "Quarry.OpenCV/ContourRateMeasuringProcessor.h"
 
 ContourRateMeasuringOutputData ContourRateMeasuringProcessor::DoProcess(ContourRateMeasuringInputData data) {
-    // Hosts know these two by expression and place, and they come before everything else.
-    assert(data.CurrentContour.Count != 0);
-    assert(data.PreviousContour.Count != 0);
+    // These two come before everything else, also where a side of the frame is 0.
+    assert(data.CurrentContour.Count != 0);   // The line number of this assertion is part of the interface.
+    assert(data.PreviousContour.Count != 0);  // The line number of this assertion is part of the interface.
     if (data.FrameHeight == 0 || data.FrameWidth == 0) return {0, data.DefaultRate};
 
     constexpr double kMillisecondsPerSecond = 1000.0;
