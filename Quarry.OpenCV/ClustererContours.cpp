@@ -1,6 +1,7 @@
 #include "Quarry.OpenCV/ClustererContours.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
@@ -24,7 +25,8 @@ void Fill(Cluster& cluster, const quarry::OuterContour& contour, const cv::Size&
     cluster.CenterX = center.x;
     cluster.CenterY = center.y;
     cluster.Contour = CreateContour(static_cast<int>(points.size()));
-    cluster.Contour->Area = static_cast<float>(contour.area / static_cast<double>(frame.height * frame.width));
+    const int64_t pixels = int64_t{frame.height} * frame.width;
+    cluster.Contour->Area = static_cast<float>(contour.area / static_cast<double>(pixels));
     cluster.Contour->Perimeter = static_cast<float>(cv::arcLength(points, true) / static_cast<double>(frame.width));
     quarry::WriteRelativePoints(points, {}, frame, cluster.Contour->Points);
 }

@@ -71,7 +71,7 @@ void CountRowOfCells(const Drawing& drawing, const cv::Size& cell, int row, std:
 
 /// Marks the cells of which more than the fill rate's share is drawn.
 void FillGrid(const Drawing& drawing, const cv::Size& cell, float fillRate, const Mask& grid) {
-    const int threshold = quarry::Truncate(static_cast<float>(cell.area()) * fillRate);
+    const int threshold = quarry::Truncate(static_cast<float>(int64_t{cell.width} * cell.height) * fillRate);
     std::vector<int> counts(static_cast<std::size_t>(grid.width));
     uint8_t* out = grid.data;
     for (int row = 0; row < grid.height; ++row) {

@@ -41,10 +41,12 @@ std::vector<cv::Point> ContourMeasuringFunctions::GetObjectContour(cv::Rect rect
     region = region(box).clone();
     std::vector<std::vector<cv::Point>> contours;
     cv::findContours(region, contours, cv::RETR_LIST, method);
-    std::vector<cv::Point> chosen = SelectContour(std::move(contours), selectionMode);
-    // Moved here, since not every method takes an offset.
-    for (cv::Point& point : chosen) point += box.tl();
-    return chosen;
+    // Moved here, since not every method takes an offset; and before the choice, since OpenCV takes areas in single
+    // precision.
+    for (std::vector<cv::Point>& contour : contours) {
+        for (cv::Point& point : contour) point += box.tl();
+    }
+    return SelectContour(std::move(contours), selectionMode);
 }
 
 std::vector<cv::Point> ContourMeasuringFunctions::SelectContour(std::vector<std::vector<cv::Point>> contours,

@@ -1,5 +1,6 @@
 #include "Quarry.OpenCV/OuterContours.h"
 
+#include <cstdint>
 #include <opencv2/imgproc.hpp>
 #include <utility>
 
@@ -27,7 +28,7 @@ std::vector<std::vector<cv::Point>> BordersOf(const cv::Mat& frame, float precis
 std::vector<OuterContour> FindOuterContours(const Image& image, float precision, float minAreaRate) {
     const cv::Mat frame = PackedFrame(image);
     std::vector<std::vector<cv::Point>> borders = BordersOf(frame, precision);
-    const int threshold = Truncate(static_cast<float>(frame.rows * frame.cols) * minAreaRate);
+    const int threshold = Truncate(static_cast<float>(int64_t{frame.rows} * frame.cols) * minAreaRate);
     std::vector<OuterContour> contours;
     for (std::vector<cv::Point>& border : borders) {
         const double area = cv::contourArea(border, false);

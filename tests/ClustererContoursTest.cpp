@@ -12,6 +12,7 @@
 #include "support/Allocations.h"
 #include "support/Footage.h"
 #include "support/Framed.h"
+#include "support/HugeFrame.h"
 #include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
@@ -299,6 +300,18 @@ TEST_F(ContourClusters, TruncateTheSmallestAreaToWholePixels) {
     ASSERT_GT(10000.0F * 0.01009F, 100.5F);
     Create(1.0F, 0.01009F);
     EXPECT_EQ(Find(FrameWith({100, 100}, {20, 20, 11, 11})).size(), 1U);
+}
+
+TEST_F(ContourClusters, AreMeasuredByFramesOfMorePixelsThan31BitsCount) {
+    const HugeFrame huge;
+    if (!huge.IsThere()) GTEST_SKIP() << "no addresses for " << HugeFrame::kPixels << " pixels";
+    cv::Mat frame = huge.pixels();
+    frame(cv::Rect(100, 100, 11, 11)).setTo(kWhite);
+    frame(cv::Rect(200, 100, 2, 2)).setTo(kWhite);
+    Create(1.0F, 2e-8F);  // 42 pixels
+    const std::vector<Blob> blobs = Find(huge.record());
+    ASSERT_EQ(blobs.size(), 1U);
+    EXPECT_EQ(blobs[0].area, static_cast<float>(100 / HugeFrame::kPixels));
 }
 
 TEST_F(ContourClusters, KeepEveryBlobWhenTheSmallestAreaIsBelowZeroOrNoInteger) {

@@ -14,6 +14,7 @@
 #include "support/Allocations.h"
 #include "support/Footage.h"
 #include "support/Framed.h"
+#include "support/HugeFrame.h"
 #include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
@@ -216,6 +217,17 @@ TEST_F(ContourMask, TruncatesTheSmallestAreaToWholePixels) {
     ASSERT_GT(10000.0F * 0.01009F, 100.5F);
     Create(0.0F, 0.01009F);
     EXPECT_EQ(Grid(frame, {1, 1}), Cells{1});
+}
+
+TEST_F(ContourMask, TakesTheShareOfACellOfMorePixelsThan31BitsCount) {
+    const HugeFrame huge;
+    if (!huge.IsThere()) GTEST_SKIP() << "no addresses for " << HugeFrame::kPixels << " pixels";
+    cv::Mat frame = huge.pixels();
+    Create(2e-8F, 0.0F);  // 42 pixels
+    frame(cv::Rect(100, 100, 3, 3)).setTo(kWhite);
+    EXPECT_EQ(Grid(huge.record(), {1, 1}), Cells{0});
+    frame(cv::Rect(100, 100, 20, 20)).setTo(kWhite);
+    EXPECT_EQ(Grid(huge.record(), {1, 1}), Cells{1});
 }
 
 TEST_F(ContourMask, KeepsEveryContourWhenTheSmallestAreaIsBelowZeroOrNoInteger) {

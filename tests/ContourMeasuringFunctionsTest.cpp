@@ -330,6 +330,20 @@ TEST(ContourMeasuring, LeavesTheMaskAsItIs) {
     }
 }
 
+TEST(ContourMeasuring, TakesAreasInSinglePrecisionFromTheRectanglesCorner) {
+    // Beyond 2^24 only even columns are told apart: the narrow box grows by two, the wide one shrinks by one.
+    constexpr int kEvenOnly = 1 << 24;
+    const Points narrow = Box(kEvenOnly + 1, 0, 3, 2);
+    const Points wide = Box(kEvenOnly + 10, 0, 4, 2);
+    ASSERT_GT(cv::contourArea(narrow), cv::contourArea(wide));
+    cv::Mat mask = cv::Mat::zeros(2, kEvenOnly + 20, CV_8UC1);
+    mask(cv::boundingRect(narrow)).setTo(255);
+    mask(cv::boundingRect(wide)).setTo(255);
+    EXPECT_EQ(ContourMeasuringFunctions::GetObjectContour(Whole(mask), mask, 2, kArea), narrow);
+    EXPECT_EQ(ContourMeasuringFunctions::GetObjectContour({1 << 23, 0, (1 << 23) + 20, 2}, mask, 2, kArea),
+              Box((1 << 23) + 10, 0, 4, 2));
+}
+
 TEST(ContourMeasuring, RefusesARectangleThatDoesNotLieInsideTheMask) {
     cv::Mat mask(20, 30, CV_8UC1, cv::Scalar(255));
     const cv::Rect outside[] = {{-1, 0, 5, 5}, {0, -1, 5, 5},  {0, 0, 31, 5}, {0, 0, 5, 21}, {26, 0, 5, 5},
