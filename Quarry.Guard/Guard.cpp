@@ -25,7 +25,7 @@ GuardStatus StatusOfException() noexcept {
     } catch (const MarshalingException& refused) {
         return Failed(GuardMarshaling, refused.what());
     } catch (const cv::Exception& refused) {
-        return Failed(GuardOpenCV, refused.what());
+        return Failed(refused.code == cv::Error::StsNoMem ? GuardOutOfMemory : GuardOpenCV, refused.what());
     } catch (const std::bad_alloc&) {
         return Failed(GuardOutOfMemory, "out of memory");
     } catch (const std::logic_error& refused) {

@@ -17,7 +17,7 @@ enum GuardStatus {
     GuardMarshaling = 1,   ///< a record's length word or tag is wrong
     GuardBadArgument = 2,  ///< a null or unfit handle, a field out of its range, a call out of turn
     GuardOpenCV = 3,       ///< OpenCV refused
-    GuardOutOfMemory = 4,
+    GuardOutOfMemory = 4,  ///< for the library or for OpenCV
     GuardUnknown = 5
 };
 
