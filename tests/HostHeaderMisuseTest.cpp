@@ -62,6 +62,22 @@ TEST(HostHeaderMisuse, OfMasksAndFields) {
               "quarry::FlowView: 5 elements are given; 3 x 2 pixels of 1 need 6");
 }
 
+TEST(HostHeaderMisuse, OfArrays) {
+    uint8_t pixels[30] = {};
+    const AbsVector motion[5] = {};
+    EXPECT_EQ(RefusalOf([&] { (void)ImageView(pixels, 100, 100); }),
+              "quarry::ImageView: 30 elements are given; 100 x 100 pixels of 3 need 30000");
+    EXPECT_EQ(RefusalOf([&] { (void)MaskView(pixels, 31, 1); }),
+              "quarry::MaskView: 30 elements are given; 31 x 1 pixels of 1 need 31");
+    EXPECT_EQ(RefusalOf([&] { (void)FlowView(motion, 3, 2); }),
+              "quarry::FlowView: 5 elements are given; 3 x 2 pixels of 1 need 6");
+    BackgroundModel model;
+    EXPECT_EQ(RefusalOf([&] {
+                  model.Update({pixels, 4, 3, 1});
+              }),
+              "quarry::ImageView: 30 elements are given; 4 x 3 pixels of 3 need 36");
+}
+
 TEST(HostHeaderMisuse, OfFacesAndRectangles) {
     FaceVarianceOfLaplacian sharpness;
     EXPECT_EQ(RefusalOf([&] {

@@ -25,7 +25,7 @@ ImageView View(const cv::Mat& frame, uint64_t timestamp = 0) {
     return {frame.data, frame.cols, frame.rows, timestamp};
 }
 
-void ExpectSame(const ImageView& image, const Image& raw) {
+void ExpectSame(const ImageArgument& image, const Image& raw) {
     ASSERT_EQ(image.width(), raw.width);
     ASSERT_EQ(image.height(), raw.height);
     EXPECT_EQ(image.stride(), raw.stride);
@@ -33,7 +33,7 @@ void ExpectSame(const ImageView& image, const Image& raw) {
     EXPECT_EQ(std::memcmp(image.data(), raw.data, image.elements().size()), 0);
 }
 
-void ExpectSame(const MaskView& mask, const Mask& raw) {
+void ExpectSame(const MaskArgument& mask, const Mask& raw) {
     ASSERT_EQ(mask.width(), raw.width);
     ASSERT_EQ(mask.height(), raw.height);
     EXPECT_EQ(std::memcmp(mask.data(), raw.data, mask.elements().size()), 0);

@@ -39,6 +39,24 @@ constexpr bool kOptionsAreAggregates =
     std::is_aggregate_v<ContourGrid::Options> && std::is_aggregate_v<DenseOpticalFlow::Options>;
 static_assert(kOptionsAreAggregates, "options are given by name");
 
+static_assert(std::is_convertible_v<ImageSubtractor::Picture&, ImageView> &&
+                  std::is_convertible_v<const RectExtractor::Picture&, ImageView> &&
+                  std::is_convertible_v<const FirePixels::Flames&, MaskView> &&
+                  std::is_convertible_v<FlowResult, FlowView>,
+              "a view of what stays");
+static_assert(!std::is_constructible_v<ImageView, ImageSubtractor::Picture> &&
+                  !std::is_constructible_v<ImageView, const RectExtractor::Picture> &&
+                  !std::is_constructible_v<MaskView, FirePixels::Flames>,
+              "no view of what ends with the statement");
+static_assert(std::is_invocable_v<FastNlMeansDenoising, ImageSubtractor::Picture> &&
+                  std::is_invocable_v<FastNlMeansDenoising, const ImageSubtractor::Picture&> &&
+                  std::is_invocable_v<FastNlMeansDenoising, ImageView> &&
+                  std::is_invocable_v<ObjectContour, ContourGrid::Cells, RelRect>,
+              "calls take both");
+static_assert(!std::is_convertible_v<FirePixels::Flames&, ImageArgument> &&
+                  !std::is_convertible_v<ImageView, MaskArgument>,
+              "but nothing of another kind");
+
 static_assert(kTagOf<ProcessOptions> == 0x0F0F0F0F && kTagOf<TransformOptions> == 0x0F0F0F0F);
 static_assert(kTagOf<VoLInputData> == 0x10F0F0F0 && kTagOf<OFLineData> == 0x10F0F0F0);
 static_assert(kTagOf<VoLOutputData> == 0x1FFF0000 && kTagOf<ClustererResult> == 0x1FFF0000 &&
@@ -91,6 +109,9 @@ TEST(HostHeaderViews, AreMadeInAllTheirWays) {
     const std::vector<uint8_t> pixels(60, 3);
     const ImageView byAddress(pixels.data(), 5, 4);
     const ImageView bySize({pixels.data(), pixels.size()}, 5, 4);
+    uint8_t array[60] = {};
+    EXPECT_EQ(ImageView(array, 5, 4, 2).data(), array);
+    EXPECT_EQ(MaskView(array, 12, 5).elements().size(), 60U);
     const ImageView byRows = ImageView::FromRows(pixels.data(), 5, 4, 15, 3, 8);
     EXPECT_EQ(byAddress.data(), bySize.data());
     EXPECT_EQ(byAddress.timestamp(), 0U);

@@ -23,6 +23,12 @@ static_assert(kGivesMatrix<ImageView> && kGivesMatrix<const ImageSubtractor::Pic
 static_assert(!kGivesMatrix<ImageSubtractor::Picture> && !kGivesMatrix<FirePixels::Flames> &&
                   !kGivesMatrix<PackedImage> && !kGivesMatrix<PackedMask>,
               "no matrix over what ends with the statement");
+static_assert(std::is_convertible_v<PackedImage&, ImageView> && std::is_convertible_v<const PackedMask&, MaskView>,
+              "a view of what stays");
+static_assert(!std::is_constructible_v<ImageView, PackedImage> && !std::is_constructible_v<MaskView, PackedMask>,
+              "no view of what ends with the statement");
+static_assert(std::is_convertible_v<PackedImage, ImageArgument> && std::is_convertible_v<PackedMask, MaskArgument>,
+              "calls take it");
 
 bool Same(const cv::Mat& a, const cv::Mat& b) {
     return a.size() == b.size() && a.type() == b.type() && cv::norm(a, b, cv::NORM_INF) == 0;
@@ -71,7 +77,8 @@ TEST(HostOpenCV, RefusesPaddedRows) {
 
 TEST(HostOpenCV, PacksOnlyWhatIsPadded) {
     const cv::Mat frame = RandomFrame(9, 7, 1);
-    EXPECT_EQ(PackedImage(frame).view().data(), frame.data);
+    const PackedImage shared(frame);
+    EXPECT_EQ(shared.view().data(), frame.data);
     const cv::Mat region = frame(cv::Rect(2, 1, 5, 4));
     const PackedImage packed(region, 8);
     EXPECT_NE(packed.view().data(), region.data);
@@ -81,10 +88,11 @@ TEST(HostOpenCV, PacksOnlyWhatIsPadded) {
 
     cv::Mat mask;
     cv::extractChannel(frame, mask, 0);
-    EXPECT_EQ(PackedMask(mask).view().data(), mask.data);
+    const PackedMask sharedMask(mask);
+    EXPECT_EQ(sharedMask.view().data(), mask.data);
+    EXPECT_EQ(MaskView(sharedMask).width(), 9);
     const cv::Mat part = mask(cv::Rect(2, 1, 5, 4));
     EXPECT_TRUE(Same(PackedMask(part).matrix(), part));
-    EXPECT_EQ(MaskView(PackedMask(mask)).width(), 9);
 }
 
 TEST(HostOpenCV, PackedImagesKeepTheirPixels) {

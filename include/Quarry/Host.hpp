@@ -10,7 +10,9 @@
 ///
 /// 1. **An operation** is created with its `Options`, named fields that have defaults where some make sense, and owns
 ///    its handle. It moves and does not copy. One that has been moved from may only be assigned to or destroyed.
-/// 2. **Views and spans own nothing**: what they show must live until the call has returned.
+/// 2. **Views and spans own nothing**: what they show must live until the call has returned. A result without a name is
+///    an input of a call (`denoise(subtract(a, b))`), but gives no view to keep. Functions of your own that look at
+///    frames take an `ImageArgument`: views and results convert to it.
 /// 3. **A result owns its buffers**, gives them back at its end, and keeps the handle alive until then: it may outlive
 ///    the operation. What it shows (its view, its elements) lives as long as the result. It moves and does not copy;
 ///    one that has been moved from may only be assigned to or destroyed. Results of updaters own nothing: they show

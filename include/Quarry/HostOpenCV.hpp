@@ -72,8 +72,10 @@ public:
         packed = frame.isContinuous() ? frame : frame.clone();
     }
 
-    ImageView view() const { return ViewOf(packed, timestamp); }
-    operator ImageView() const { return view(); }
+    ImageView view() const& { return ViewOf(packed, timestamp); }
+    ImageView view() const&& = delete;
+    operator ImageView() const& { return view(); }
+    operator ImageView() const&& = delete;
     const cv::Mat& matrix() const { return packed; }
 
 private:
@@ -89,8 +91,10 @@ public:
         packed = mask.isContinuous() ? mask : mask.clone();
     }
 
-    MaskView view() const { return MaskViewOf(packed); }
-    operator MaskView() const { return view(); }
+    MaskView view() const& { return MaskViewOf(packed); }
+    MaskView view() const&& = delete;
+    operator MaskView() const& { return view(); }
+    operator MaskView() const&& = delete;
     const cv::Mat& matrix() const { return packed; }
 
 private:
@@ -109,19 +113,12 @@ inline cv::Mat MatOf(const MaskView& mask) {
 inline cv::Mat MatOf(const FlowView& field) {
     return cv::Mat(field.height(), field.width(), CV_32FC2, detail::Unconst(field.data()));
 }
-/// What ends with the statement would take the pixels with it: name it first, or clone it.
-template <class Record>
-cv::Mat MatOf(ImageResult<Record>&& result) = delete;
-template <class Record>
-cv::Mat MatOf(MaskResult<Record>&& result) = delete;
-cv::Mat MatOf(PackedImage&& image) = delete;
-cv::Mat MatOf(PackedMask&& mask) = delete;
 
 /// A matrix of its own.
-inline cv::Mat CloneOf(const ImageView& image) {
+inline cv::Mat CloneOf(const ImageArgument& image) {
     return MatOf(image).clone();
 }
-inline cv::Mat CloneOf(const MaskView& mask) {
+inline cv::Mat CloneOf(const MaskArgument& mask) {
     return MatOf(mask).clone();
 }
 inline cv::Mat CloneOf(const FlowView& field) {

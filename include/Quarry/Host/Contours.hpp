@@ -55,7 +55,7 @@ public:
     /// @param mask  non-zero bytes are foreground
     /// @param area  around the object, relative to the frame
     /// @throws cv::Exception  the mask is empty, or the area does not lie inside it
-    OutlineResult operator()(const MaskView& mask, const RelRect& area) {
+    OutlineResult operator()(const MaskArgument& mask, const RelRect& area) {
         return {handle(), ContourCalcingInputData{0, mask.record(), area}};
     }
 };
@@ -82,7 +82,7 @@ public:
     /// @param frame  R, G, B
     /// @throws std::invalid_argument  a side of the grid is below 1, or it has more than 2147483647 cells
     /// @throws cv::Exception          the frame is empty
-    Cells operator()(const ImageView& frame, const GridSize& grid) {
+    Cells operator()(const ImageArgument& frame, const GridSize& grid) {
         detail::CheckOutputSize("quarry::GridSize", grid.width, grid.height);
         return {handle(), ContourMaskProcessorData{0, frame.record(), grid.width, grid.height}};
     }
@@ -162,7 +162,7 @@ public:
 
     /// @param frame  R, G, B
     /// @throws cv::Exception  the frame is empty
-    Clusters operator()(const ImageView& frame) { return {handle(), ClustererData{0, frame.record()}}; }
+    Clusters operator()(const ImageArgument& frame) { return {handle(), ClustererData{0, frame.record()}}; }
 };
 
 }  // namespace quarry

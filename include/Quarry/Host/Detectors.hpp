@@ -41,7 +41,7 @@ public:
     /// @param area  where to look, relative to the frame
     /// @return rectangles as fractions of the **area**, not of the frame; weights are not set
     /// @throws cv::Exception  the area does not lie inside the frame or has no pixels, or the file holds no cascade
-    Detections operator()(const ImageView& frame, const RelRect& area = kWholeFrame) {
+    Detections operator()(const ImageArgument& frame, const RelRect& area = kWholeFrame) {
         return {handle(), ClassificationData{0, frame.record(), 0, {}, 1, &area}};
     }
 
@@ -75,7 +75,7 @@ public:
 
     /// Searches the whole frame.
     /// @return rectangles relative to the frame
-    Detections operator()(const ImageView& frame) {
+    Detections operator()(const ImageArgument& frame) {
         return {handle(), ClassificationData{0, frame.record(), 1, {}, 0, nullptr}};
     }
 
@@ -83,7 +83,7 @@ public:
     /// @param areas  relative to the frame; one no wider than 64 pixels or no higher than `minHeight` is not searched
     /// @return rectangles relative to the frame
     /// @throws cv::Exception  an area that is searched does not lie inside the frame
-    Detections operator()(const ImageView& frame, Span<RelRect> areas) {
+    Detections operator()(const ImageArgument& frame, Span<RelRect> areas) {
         const int32_t count = detail::CountOf("quarry::PeopleDetector: areas", areas.size());
         return {handle(), ClassificationData{0, frame.record(), 0, {}, count, areas.data()}};
     }

@@ -21,7 +21,7 @@ public:
     explicit ImageSubtractor(const Options& /*options*/ = {}) : Processor(BinaryImageOperationOptions{}) {}
 
     /// @throws std::invalid_argument  the frames' sizes differ
-    Picture operator()(const ImageView& first, const ImageView& second) {
+    Picture operator()(const ImageArgument& first, const ImageArgument& second) {
         if (first.width() != second.width() || first.height() != second.height()) {
             detail::Refuse("quarry::ImageSubtractor: the first frame is " +
                            detail::SizeText(first.width(), first.height()) + ", the second " +
@@ -39,7 +39,7 @@ public:
 
     explicit FastNlMeansDenoising(const Options& /*options*/ = {}) : Processor(FilterOptions{}) {}
 
-    Picture operator()(const ImageView& frame) { return {handle(), FilterData{0, frame.record()}}; }
+    Picture operator()(const ImageArgument& frame) { return {handle(), FilterData{0, frame.record()}}; }
 };
 
 /// A rectangle in a frame, turned about its centre, in pixels.
@@ -68,7 +68,7 @@ public:
     /// @throws std::invalid_argument  a value of the rectangle does not fit 16 bits, a side of it is negative, or the
     ///                                frame has no pixels in a row
     /// @throws cv::Exception          a side of the frame has 32767 pixels or more
-    Picture operator()(const ImageView& frame, const TurnedRect& rect) {
+    Picture operator()(const ImageArgument& frame, const TurnedRect& rect) {
         return {handle(),
                 RectExtractorData{0, frame.record(), detail::Short("quarry::TurnedRect.centerX", rect.centerX),
                                   detail::Short("quarry::TurnedRect.centerY", rect.centerY),
@@ -97,7 +97,7 @@ public:
     /// @param destination  in output pixels
     /// @throws std::invalid_argument  there are not five points of each
     /// @throws cv::Exception          the frame is empty or too large to warp
-    Picture operator()(const ImageView& frame, Span<FloatPoint> source, Span<FloatPoint> destination) {
+    Picture operator()(const ImageArgument& frame, Span<FloatPoint> source, Span<FloatPoint> destination) {
         if (source.size() != kPoints || destination.size() != kPoints) {
             detail::Refuse("quarry::SimilarityTransform: " + std::to_string(source.size()) + " source points and " +
                            std::to_string(destination.size()) + " destination points are given; 5 of each are needed");
@@ -133,7 +133,7 @@ public:
     /// @param scale    of the picture on its canvas; the canvas stays
     /// @throws std::invalid_argument  the frame does not have the options' size
     /// @throws cv::Exception          a side is 32767 pixels or more
-    Picture operator()(const ImageView& frame, double degrees, double scale = 1) {
+    Picture operator()(const ImageArgument& frame, double degrees, double scale = 1) {
         if (frame.width() != size.width || frame.height() != size.height) {
             detail::Refuse("quarry::RotationTransform: the frame is " +
                            detail::SizeText(frame.width(), frame.height()) + "; the options' " +
@@ -160,7 +160,7 @@ public:
     explicit FirePixels(const Options& /*options*/ = {}) : Processor(ProcessOptions{}) {}
 
     /// @throws std::invalid_argument  the frame has more than 2147483647 pixels
-    Flames operator()(const ImageView& frame) { return {handle(), FireInputData{0, frame.record()}}; }
+    Flames operator()(const ImageArgument& frame) { return {handle(), FireInputData{0, frame.record()}}; }
 };
 
 }  // namespace quarry

@@ -19,7 +19,7 @@ public:
     explicit VarianceOfLaplacian(const Options& /*options*/ = {}) : Processor(ProcessOptions{}) {}
 
     /// @throws cv::Exception  the frame is empty
-    float operator()(const ImageView& frame) { return Value({0, frame.record()}).Variance; }
+    float operator()(const ImageArgument& frame) { return Value({0, frame.record()}).Variance; }
 };
 
 /// Where a face is, in pixels.
@@ -40,7 +40,7 @@ public:
 
     /// @throws std::invalid_argument  a value of the ellipse does not fit 16 bits
     /// @throws cv::Exception          the frame is empty, or a half-axis is negative
-    float operator()(const ImageView& frame, const FaceEllipse& face) {
+    float operator()(const ImageArgument& frame, const FaceEllipse& face) {
         return Value({0, frame.record(), detail::Short("quarry::FaceEllipse.centerX", face.centerX),
                       detail::Short("quarry::FaceEllipse.centerY", face.centerY),
                       detail::Short("quarry::FaceEllipse.halfWidth", face.halfWidth),
@@ -95,7 +95,7 @@ public:
 
     /// @param area  relative to the first frame; it covers the same pixels in both
     /// @throws cv::Exception  the area is empty or does not lie inside both frames
-    double operator()(const ImageView& first, const ImageView& second, const RelRect& area = kWholeFrame) {
+    double operator()(const ImageArgument& first, const ImageArgument& second, const RelRect& area = kWholeFrame) {
         return Value({0, first.record(), second.record(), area}).Similarity;
     }
 };
@@ -157,7 +157,7 @@ public:
     /// @param keypoints  of the body, in relative coordinates, in the COCO order; what follows the 17th is not read
     /// @throws std::invalid_argument  there are fewer than 17 keypoints
     /// @throws cv::Exception          the torso or the legs cover fewer than two pixels
-    ClothingColorsResult operator()(const ImageView& frame, Span<FloatPoint> keypoints) {
+    ClothingColorsResult operator()(const ImageArgument& frame, Span<FloatPoint> keypoints) {
         if (keypoints.size() < kKeypoints) {
             detail::Refuse("quarry::ClothingColors: " + std::to_string(keypoints.size()) +
                            " keypoints are given; 17 are needed");

@@ -45,7 +45,7 @@ inline Span<float> ElementsIn(const KMeanResult& record) {
 
 }  // namespace detail
 
-/// A picture that an operation made; an input wherever an ImageView is.
+/// A picture that an operation made; an input wherever an ImageArgument is.
 template <class Record>
 class ImageResult : public Owned<Record> {
 public:
@@ -57,8 +57,9 @@ public:
         return {image.data, image.width, image.height, image.timestamp};
     }
     ImageView view() const&& = delete;
-    /// For the call that takes it.
-    operator ImageView() const { return view(); }
+    operator ImageView() const& { return view(); }
+    /// A view of what ends with the statement would be left with nothing. Calls take it all the same.
+    operator ImageView() const&& = delete;
 
     int width() const { return view().width(); }
     int height() const { return view().height(); }
@@ -69,7 +70,7 @@ public:
     uint64_t timestamp() const { return view().timestamp(); }
 };
 
-/// A mask that an operation made; an input wherever a MaskView is.
+/// A mask that an operation made; an input wherever a MaskArgument is.
 template <class Record>
 class MaskResult : public Owned<Record> {
 public:
@@ -81,8 +82,9 @@ public:
         return {mask.data, mask.width, mask.height};
     }
     MaskView view() const&& = delete;
-    /// For the call that takes it.
-    operator MaskView() const { return view(); }
+    operator MaskView() const& { return view(); }
+    /// A view of what ends with the statement would be left with nothing. Calls take it all the same.
+    operator MaskView() const&& = delete;
 
     int width() const { return view().width(); }
     int height() const { return view().height(); }

@@ -47,7 +47,7 @@ public:
     /// @return Accumulating while the background is being learnt, then Ready
     /// @throws std::invalid_argument  the timestamp is 0 or goes back
     /// @throws cv::Exception          the frame is empty
-    UpdaterState Update(const ImageView& frame) {
+    UpdaterState Update(const ImageArgument& frame) {
         CheckClock(frame);
         pictures.reset();  // a frame that fails may have ended the buffers
         const UpdaterState state = Take({0, frame.record(), 0});
@@ -122,7 +122,7 @@ public:
 
     /// @param frame  R, G, B
     /// @return Ready once there were two frames
-    UpdaterState Update(const ImageView& frame) { return Take({0, frame.record()}); }
+    UpdaterState Update(const ImageArgument& frame) { return Take({0, frame.record()}); }
 
     /// Valid until the next Update. Zeros as long as there was one frame only.
     /// @throws std::logic_error  there was no Update
@@ -171,7 +171,7 @@ public:
     /// @throws std::logic_error       it was started before: another target takes another tracker
     /// @throws cv::Exception          the frame is empty, or the rectangle too small; the tracker can be started again
     /// @throws std::bad_alloc         memory ended (`cv::Exception` may say so, too): create another tracker
-    bool Start(const ImageView& frame, const Box& target) {
+    bool Start(const ImageArgument& frame, const Box& target) {
         if (started)
             throw std::logic_error("quarry::MosseTracker: it follows a target already; create another tracker");
         Take({0,
@@ -185,7 +185,7 @@ public:
     /// Takes the next frame in.
     /// @return whether the target was found
     /// @throws std::logic_error  there was no Start
-    bool Update(const ImageView& frame) {
+    bool Update(const ImageArgument& frame) {
         if (!started) throw std::logic_error("quarry::MosseTracker: it has no target; call Start with the first frame");
         Take({0, frame.record(), {}});
         return Result().found;

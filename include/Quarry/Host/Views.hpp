@@ -83,6 +83,10 @@ inline std::size_t ElementsOf(const char* name, int width, int height, int chann
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * static_cast<std::size_t>(channels);
 }
 
+/// Holds for pointers and null. What an array has is known, so that it is checked like a container.
+template <class Address, class Element>
+using IfAddress = std::enable_if_t<!std::is_array_v<Address> && std::is_convertible_v<Address, const Element*>>;
+
 /// A view of packed rows of `kChannels` elements per pixel: what the views of this file have in common.
 template <class Element, int kChannels>
 class PackedView {
@@ -143,12 +147,13 @@ private:
 /// All ways to make one throw `std::invalid_argument` for a negative size, and for null where there are pixels.
 class ImageView : public detail::PackedView<uint8_t, 3> {
 public:
-    /// @param pixels     `width * height * 3` bytes
+    /// @param pixels     address of `width * height * 3` bytes
     /// @param timestamp  frame time in ticks of 100 ns
-    ImageView(const uint8_t* pixels, int width, int height, uint64_t timestamp = 0)
+    template <class Address, class = detail::IfAddress<Address, uint8_t>>
+    ImageView(const Address& pixels, int width, int height, uint64_t timestamp = 0)
         : PackedView(kName, pixels, width, height), ticks(timestamp) {}
 
-    /// Pixels in a container, or `{address, byteCount}`.
+    /// Pixels in a container or an array, or `{address, byteCount}`.
     /// @throws std::invalid_argument  there are too few
     ImageView(Span<uint8_t> pixels, int width, int height, uint64_t timestamp = 0)
         : PackedView(kName, pixels, width, height), ticks(timestamp) {}
@@ -175,8 +180,9 @@ private:
 /// A mask: one byte per pixel, rows packed. Made like an ImageView, and refused like one.
 class MaskView : public detail::PackedView<uint8_t, 1> {
 public:
-    /// @param pixels  `width * height` bytes
-    MaskView(const uint8_t* pixels, int width, int height) : PackedView(kName, pixels, width, height) {}
+    /// @param pixels  address of `width * height` bytes
+    template <class Address, class = detail::IfAddress<Address, uint8_t>>
+    MaskView(const Address& pixels, int width, int height) : PackedView(kName, pixels, width, height) {}
     MaskView(Span<uint8_t> pixels, int width, int height) : PackedView(kName, pixels, width, height) {}
 
     static MaskView FromRows(const uint8_t* pixels, int width, int height, int64_t stride, int channels = 1) {
@@ -195,8 +201,9 @@ private:
 /// A motion field: one displacement in pixels per pixel, rows packed. Refused like an ImageView.
 class FlowView : public detail::PackedView<AbsVector, 1> {
 public:
-    /// @param displacements  `width * height` of them
-    FlowView(const AbsVector* displacements, int width, int height) : PackedView(kName, displacements, width, height) {}
+    /// @param displacements  address of `width * height` of them
+    template <class Address, class = detail::IfAddress<Address, AbsVector>>
+    FlowView(const Address& displacements, int width, int height) : PackedView(kName, displacements, width, height) {}
     FlowView(Span<AbsVector> displacements, int width, int height) : PackedView(kName, displacements, width, height) {}
 
     /// @param x, y  inside the field; they are not checked
@@ -207,5 +214,20 @@ public:
 private:
     static constexpr const char* kName = "quarry::FlowView";
 };
+
+/// A view as functions take it: also of a result that ends with the statement, which is after the call. Not for
+/// keeping.
+template <class View>
+class ViewArgument : public View {
+public:
+    using View::View;
+
+    /// @param source  a view, or what converts to one where it has a name
+    template <class Source, class = std::enable_if_t<std::is_convertible_v<const Source&, View>>>
+    ViewArgument(const Source& source) : View(source) {}
+};
+
+using ImageArgument = ViewArgument<ImageView>;
+using MaskArgument = ViewArgument<MaskView>;
 
 }  // namespace quarry
