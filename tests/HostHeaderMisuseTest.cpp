@@ -194,6 +194,26 @@ TEST(HostHeaderMisuse, OfFractions) {
               "quarry::DenseOpticalFlow::Options.quality is -0.500000; 0 to 1 is allowed");
 }
 
+TEST(HostHeaderMisuse, OfLimits) {
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    CascadeDetector::Options cascade;
+    cascade.minSide = kNan;
+    EXPECT_EQ(RefusalOf([&] { (void)CascadeDetector(cascade); }),
+              "quarry::CascadeDetector::Options.minSide is nan; a number, or infinity, is needed");
+    cascade.minSide = -1;
+    cascade.maxSide = kNan;
+    EXPECT_EQ(RefusalOf([&] { (void)CascadeDetector(cascade); }),
+              "quarry::CascadeDetector::Options.maxSide is nan; a number, or infinity, is needed");
+    PeopleDetector::Options people;
+    people.minHeight = kNan;
+    EXPECT_EQ(RefusalOf([&] { (void)PeopleDetector(people); }),
+              "quarry::PeopleDetector::Options.minHeight is nan; a number, or infinity, is needed");
+    people.minHeight = 0;
+    people.maxHeight = -kNan;
+    EXPECT_EQ(RefusalOf([&] { (void)PeopleDetector(people); }),
+              "quarry::PeopleDetector::Options.maxHeight is nan; a number, or infinity, is needed");
+}
+
 TEST(HostHeaderMisuse, OfClocks) {
     BackgroundModel model;
     EXPECT_EQ(RefusalOf([&] { model.Update(Frame()); }),

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <vector>
@@ -262,12 +263,18 @@ void ExpectSameDetections(const Detections& detections, const ClassificationResu
     }
 }
 
+/// Large shapes: some of them pass for faces.
+cv::Mat Shapes() {
+    cv::Mat frame = RandomFrame(640, 480, 8);
+    cv::blur(frame, frame, {25, 25});
+    cv::normalize(frame, frame, 0, 255, cv::NORM_MINMAX);
+    return frame;
+}
+
 TEST(HostHeaderProcessors, CascadeDetector) {
     if (!std::filesystem::exists(kFaceModel)) GTEST_SKIP() << kFaceModel << " is not installed";
     cv::setNumThreads(1);  // detections come in the order in which OpenCV's threads end
-    cv::Mat frame = RandomFrame(640, 480, 8);
-    cv::blur(frame, frame, {25, 25});  // large shapes: some of them pass for faces
-    cv::normalize(frame, frame, 0, 255, cv::NORM_MINMAX);
+    const cv::Mat frame = Shapes();
     CascadeDetector::Options options;
     options.modelPath = kFaceModel;
     options.minSide = 20;
@@ -281,6 +288,27 @@ TEST(HostHeaderProcessors, CascadeDetector) {
     EXPECT_TRUE(KeepsNothing([&] {
         ExpectSameDetections(detect(View(frame), area), {0, raw->Count, raw->Responses}, false);
     }));
+}
+
+TEST(HostHeaderProcessors, CascadeDetectorTakesLimitsThatNoObjectReaches) {
+    if (!std::filesystem::exists(kFaceModel)) GTEST_SKIP() << kFaceModel << " is not installed";
+    const cv::Mat frame = Shapes();
+    const RelRect area = {0.1F, 0.1F, 0.8F, 0.85F};
+    const auto countWithin = [&](double minSide, double maxSide) {
+        CascadeDetector::Options options;
+        options.modelPath = kFaceModel;
+        options.minSide = minSide;
+        options.maxSide = maxSide;
+        options.mode = CascadeMode::Eager;
+        CascadeDetector detect(options);
+        return detect(View(frame), area).size();
+    };
+    const std::size_t all = countWithin(-1, -1);
+    EXPECT_GT(all, 0U);
+    for (const double limit : {std::numeric_limits<double>::infinity(), 1e300, 2147483648.0, 2147483647.0, 480.0}) {
+        EXPECT_EQ(countWithin(-1, limit), all) << limit;
+        EXPECT_EQ(countWithin(limit, limit), 0U) << limit;
+    }
 }
 
 TEST(HostHeaderProcessors, PeopleDetectorFindsNobodyInNoise) {
@@ -306,6 +334,24 @@ TEST(HostHeaderProcessors, PeopleDetector) {
     PeopleDetector detect(options);
     ExpectSameDetections(detect(View(frames[0])), {0, whole->Count, whole->Responses}, true);
     ExpectSameDetections(detect(View(frames[0]), areas), {0, parts->Count, parts->Responses}, true);
+}
+
+TEST(HostHeaderProcessors, PeopleDetectorTakesLimitsThatNobodyReaches) {
+    const std::vector<cv::Mat> frames = PedestrianFrames(1);
+    if (frames.empty()) GTEST_SKIP() << "the footage is not there";
+    const auto countWithin = [&](double minHeight, double maxHeight) {
+        PeopleDetector::Options options;
+        options.minHeight = minHeight;
+        options.maxHeight = maxHeight;
+        PeopleDetector detect(options);
+        return detect(View(frames[0])).size();
+    };
+    const std::size_t all = countWithin(0, 1);
+    EXPECT_GT(all, 0U);
+    for (const double limit : {std::numeric_limits<double>::infinity(), 1e300, 1e10, 2.0}) {
+        EXPECT_EQ(countWithin(0, limit), all) << limit;
+        EXPECT_EQ(countWithin(limit, limit), 0U) << limit;
+    }
 }
 
 TEST(HostHeaderProcessors, ColorComparison) {

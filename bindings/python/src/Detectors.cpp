@@ -22,10 +22,10 @@ void AddCascade(py::module_& module) {
              py::kw_only(), py::arg("model_path"), py::arg("min_side") = defaults.minSide,
              py::arg("max_side") = defaults.maxSide, py::arg_v("mode", defaults.mode, "CascadeMode.CAREFUL"),
              R"(model_path: an OpenCV cascade file
-min_side, max_side: smallest and largest side of an object in pixels; negative: no limit
+min_side, max_side: smallest and largest side of an object in pixels; negative, or infinity for the largest: no limit
 mode: how thoroughly it looks
 
-raises ValueError: there is no file that can be read at model_path, or it is empty
+raises ValueError: there is no file that can be read at model_path, it is empty, or a limit is not a number
 raises OpenCVError: OpenCV cannot parse the file)")
         .def(
             "__call__",
@@ -57,9 +57,9 @@ void AddPeople(py::module_& module) {
              py::arg("max_height") = defaults.maxHeight,
              R"(sensitivity: 0 to 1, higher searches finer and slower
 min_height, max_height: of a person, in fractions of the frame's height; min_height counts as 128 pixels at least, so
-    that a max_height below that finds nobody
+    that a max_height below that finds nobody; a max_height of infinity is no limit
 
-raises ValueError: sensitivity is not in 0 to 1)")
+raises ValueError: sensitivity is not in 0 to 1, or a limit is not a number)")
         .def(
             "__call__",
             [](Locked<PeopleDetector>& self, const py::array& frame,

@@ -1,5 +1,6 @@
 """Detectors, against cv2."""
 
+import math
 import pathlib
 
 import cv2
@@ -46,6 +47,18 @@ def test_cascade_detector_searches_the_whole_frame_without_limits_by_default(por
     expected = model.detectMultiScale(cv2.cvtColor(portrait, cv2.COLOR_BGR2GRAY), 1.1, 5, cv2.CASCADE_SCALE_IMAGE)
     sides = np.float32((portrait.shape[1], portrait.shape[0]) * 2)
     np.testing.assert_array_equal(np.float32(found), np.float32(expected) / sides)
+
+
+def test_limits_that_nothing_reaches_are_none(portrait, footage):
+    faces = quarry.CascadeDetector(model_path=MODEL)(portrait)
+    frame = cv2.resize(footage(100), None, fx=1.5, fy=1.5)
+    persons = quarry.PeopleDetector()(frame)
+    assert len(faces) > 0
+    assert len(persons) > 0
+    for limit in (math.inf, 1e300):
+        assert quarry.CascadeDetector(model_path=MODEL, max_side=limit)(portrait) == faces
+        assert quarry.CascadeDetector(model_path=MODEL, min_side=limit)(portrait) == []
+        assert quarry.PeopleDetector(max_height=limit)(frame) == persons
 
 
 def people(frame, shortest, tallest, stride, scale):

@@ -2,9 +2,12 @@
 /// Operations that find objects and people.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <string>
 #include <system_error>
 
@@ -14,6 +17,17 @@
 namespace quarry {
 
 using Detections = ListResult<ClassificationResult>;  ///< of Response
+
+namespace detail {
+
+/// A limit of sizes. The library truncates it, or its product with the frame's height, to 32 bits.
+/// @param most  above all sizes that there are: larger limits, infinity among them, change nothing
+inline double SizeLimit(const char* what, double limit, double most) {
+    if (std::isnan(limit)) Refuse(std::string(what) + " is nan; a number, or infinity, is needed");
+    return std::min(limit, most);
+}
+
+}  // namespace detail
 
 /// How thoroughly a CascadeDetector looks.
 enum class CascadeMode : uint32_t {
@@ -28,15 +42,18 @@ public:
     struct Options {
         std::string modelPath;  ///< an OpenCV cascade file
         double minSide = -1;    ///< smallest side of an object in pixels; negative: no limit
-        double maxSide = -1;    ///< largest side of an object in pixels; negative: no limit
+        double maxSide = -1;    ///< largest side of an object in pixels; negative or infinity: no limit
         CascadeMode mode = CascadeMode::Careful;
     };
 
-    /// @throws std::invalid_argument  there is no file that can be read at `modelPath`, or it is empty
+    /// @throws std::invalid_argument  there is no file that can be read at `modelPath`, it is empty, or a limit of the
+    ///                                side is not a number
     /// @throws cv::Exception          OpenCV cannot parse the file
     explicit CascadeDetector(const Options& options)
-        : Processor({0, 0.0F, options.minSide, options.maxSide, static_cast<uint32_t>(options.mode),
-                     Readable(options.modelPath).c_str()}) {}
+        : Processor({0, 0.0F,
+                     detail::SizeLimit("quarry::CascadeDetector::Options.minSide", options.minSide, kMostPixels),
+                     detail::SizeLimit("quarry::CascadeDetector::Options.maxSide", options.maxSide, kMostPixels),
+                     static_cast<uint32_t>(options.mode), Readable(options.modelPath).c_str()}) {}
 
     /// @param area  where to look, relative to the frame
     /// @return rectangles as fractions of the **area**, not of the frame; weights are not set
@@ -46,6 +63,8 @@ public:
     }
 
 private:
+    static constexpr double kMostPixels = std::numeric_limits<int32_t>::max();
+
     static const std::string& Readable(const std::string& path) {
         constexpr const char* kField = "quarry::CascadeDetector::Options.modelPath";
         if (path.empty()) detail::Refuse(std::string(kField) + " is empty; the path of a cascade file is needed");
@@ -64,14 +83,16 @@ public:
     struct Options {
         float sensitivity = 0.5F;  ///< 0..1, higher searches finer and slower
         double minHeight = 0;      ///< of a person, as a fraction of the frame's height; 128 pixels at least
-        double maxHeight = 1;      ///< of a person, as a fraction of the frame's height
+        double maxHeight = 1;      ///< of a person, as a fraction of the frame's height; infinity: no limit
     };
 
     PeopleDetector() : PeopleDetector(Options{}) {}
-    /// @throws std::invalid_argument  `sensitivity` is not in 0..1
+    /// @throws std::invalid_argument  `sensitivity` is not in 0..1, or a limit of the height is not a number
     explicit PeopleDetector(const Options& options)
         : Processor({0, detail::Fraction("quarry::PeopleDetector::Options.sensitivity", options.sensitivity),
-                     options.minHeight, options.maxHeight, 0, nullptr}) {}
+                     detail::SizeLimit("quarry::PeopleDetector::Options.minHeight", options.minHeight, kMostFrames),
+                     detail::SizeLimit("quarry::PeopleDetector::Options.maxHeight", options.maxHeight, kMostFrames), 0,
+                     nullptr}) {}
 
     /// Searches the whole frame.
     /// @return rectangles relative to the frame
@@ -87,6 +108,10 @@ public:
         const int32_t count = detail::CountOf("quarry::PeopleDetector: areas", areas.size());
         return {handle(), ClassificationData{0, frame.record(), 0, {}, count, areas.data()}};
     }
+
+private:
+    /// A detection may be a little higher than the frame, since it is scaled in whole pixels.
+    static constexpr double kMostFrames = 2;
 };
 
 }  // namespace quarry
