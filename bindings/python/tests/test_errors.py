@@ -1,7 +1,9 @@
 """What is refused, and how; nothing ends the interpreter."""
 
 import copy
+import os
 import pickle
+import shutil
 
 import numpy as np
 import pytest
@@ -82,6 +84,20 @@ def test_cascade_detector_refuses_what_is_no_model(tmp_path):
     model.write_text("no model")
     with pytest.raises(quarry.OpenCVError):
         quarry.CascadeDetector(model_path=model)
+
+
+def test_a_model_may_lie_at_any_path(tmp_path):
+    folder = tmp_path / os.fsdecode(b"caf\xe9")
+    folder.mkdir()
+    model = folder / "model.xml"
+    with pytest.raises(ValueError, match=f'^quarry::CascadeDetector::Options.modelPath is "{model}"; no file can'):
+        quarry.CascadeDetector(model_path=model)
+    model.write_text('<?xml version="1.0"?>\n<opencv_storage>\n<a></b>\n')
+    with pytest.raises(quarry.OpenCVError, match=str(model)):
+        quarry.CascadeDetector(model_path=model)
+    shutil.copy("/usr/share/opencv4/haarcascades/haarcascade_eye.xml", model)
+    for path in (model, str(model), os.fsencode(model)):
+        assert quarry.CascadeDetector(model_path=path)(np.zeros((48, 64, 3), np.uint8)) == []
 
 
 @pytest.mark.parametrize("count", [0, 4, 6])
