@@ -5,8 +5,12 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <opencv2/core/utils/logger.hpp>
+#include <string>
+#include <vector>
 
 #include "Console.h"
 #include "Verbs/Verbs.h"
@@ -26,6 +30,33 @@ constexpr const char* kFooter = R"(Examples:
 Exit codes: 0 fine, 1 something failed, 2 wrong usage, 130 interrupted by Ctrl-C (what was
 written until then is complete); `quarry scan --help` tells those of scan. Each error is one
 line on stderr.)";
+
+/// The verb that has nearly the same letters, whatever their order; empty: there is none.
+std::string VerbNear(std::string name, const CLI::App& app) {
+    std::size_t fewest = 3;  // letters that only one of both has: too many
+    std::string near;
+    std::sort(name.begin(), name.end());
+    for (const CLI::App* const verb : app.get_subcommands(nullptr)) {
+        std::string letters = verb->get_name();
+        std::sort(letters.begin(), letters.end());
+        std::string different;
+        std::set_symmetric_difference(name.begin(), name.end(), letters.begin(), letters.end(),
+                                      std::back_inserter(different));
+        if (different.size() >= fewest) continue;
+        fewest = different.size();
+        near = verb->get_name();
+    }
+    return near;
+}
+
+std::string WrongUsage(const CLI::ParseError& error, const CLI::App& app) {
+    const std::vector<std::string> unexpected = app.remaining();
+    const bool isVerb = app.get_subcommands().empty() && !unexpected.empty() && unexpected[0].rfind('-', 0) != 0;
+    if (!isVerb) return error.what();
+    const std::string near = VerbNear(unexpected[0], app);
+    return "there is no verb " + unexpected[0] +
+           (near.empty() ? "; quarry --help lists them" : "; did you mean " + near + "?");
+}
 
 int RunChosen(const std::vector<Verb>& verbs) {
     for (const Verb& verb : verbs) {
@@ -64,7 +95,7 @@ int Main(int argc, char** argv) {
     } catch (const CLI::Success& helpOrVersion) {
         return app.exit(helpOrVersion);
     } catch (const CLI::ParseError& wrongUsage) {
-        PrintError(wrongUsage.what());
+        PrintError(WrongUsage(wrongUsage, app));
         return kExitUsage;
     } catch (...) {
         PrintError(CurrentReason());

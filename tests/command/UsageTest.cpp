@@ -40,12 +40,27 @@ TEST_F(QuarryCommand, WrongUsageEndsWithTwoAndNamesTheArgument) {
     ExpectOneLineError({}, 2, "verb");
     ExpectOneLineError({"paint"}, 2, "paint");
     ExpectOneLineError({"--paint"}, 2, "--paint");
+    ExpectOneLineError({"--paint", "clip.avi"}, 2, "--paint");
     ExpectOneLineError({"sharpness"}, 2, "IMAGE");
     ExpectOneLineError({"sharpness", "a.png", "--colour"}, 2, "--colour");
     ExpectOneLineError({"background"}, 2, "VIDEO");
     ExpectOneLineError({"background", "clip.avi", "other.avi"}, 2, "other.avi");
     ExpectOneLineError({"background", "clip.avi", "--out"}, 2, "--out");
     ExpectOneLineError({"demo", "more"}, 2, "more");
+}
+
+TEST_F(QuarryCommand, AnUnknownVerbIsNamedAndTheNearestOneToo) {
+    const std::vector<std::pair<std::string, std::string>> suggestions = {
+        {"flw", "did you mean flow?"},           {"folw", "did you mean flow?"},
+        {"colors", "did you mean colours?"},     {"shrpnes", "did you mean sharpness?"},
+        {"persons", "quarry --help lists them"}, {"x", "quarry --help lists them"}};
+    for (const auto& [verb, suggestion] : suggestions) {
+        for (const Arguments& arguments : {Arguments{verb}, Arguments{verb, "clip.avi", "--json"}}) {
+            const Outcome outcome = Run(arguments);
+            EXPECT_EQ(outcome.exitCode, 2) << verb;
+            EXPECT_EQ(outcome.err, "quarry: there is no verb " + verb + "; " + suggestion + "\n");
+        }
+    }
 }
 
 TEST_F(QuarryCommand, NumbersOutOfRangeAreWrongUsage) {
