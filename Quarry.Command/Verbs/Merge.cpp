@@ -24,8 +24,9 @@ namespace fs = std::filesystem;
 constexpr const char* kFooter =
     R"(All files *.jsonl below DIR, as `quarry scan` writes them, one after the other in the byte
 order of the videos' names: the same bytes however the work was spread, interrupted and begun
-again. Files of different versions, operations or options are refused, and so is any file that
-is not the finished lines of a video; what killed processes left is passed over.
+again. Files of different versions, operations or options are refused, and for flow and people
+those that were made with different instructions of the processor. So is any file that is not
+the finished lines of a video; what killed processes left is passed over.
 
 Examples:
   quarry merge lines --out lines.jsonl

@@ -35,9 +35,11 @@ With - the lines come from standard input, relative to the working directory.
 
 DIR/NAME.jsonl gets the lines of the video NAME: first the version, the operation, its options
 and the video's SHA-256, then an object per frame as --json of the verb gives it, without its
-`milliseconds`, and last the number of frames. The file is there when it is complete, and not
-before. A video with such lines is skipped; one whose lines are of other options, of another
-version or of other contents is done anew. So what was interrupted is simply started again.
+`milliseconds`, and last the number of frames. The last digits of flow and people depend on the
+processor's instructions, which then stand among the options. The file is there when it is
+complete, and not before. A video with such lines is skipped; one whose lines are of other
+options, of another version or of other contents is done anew. So what was interrupted is
+simply started again.
 A video that cannot be played has an `error` in its last line, and the others go on.
 
 Where many processes share the work each takes a --shard; `quarry merge` makes one file of all.
@@ -112,7 +114,13 @@ nlohmann::ordered_json ValueOf(const CLI::Option& option) {
     return text.empty() ? nlohmann::ordered_json() : ValuesOf(text);
 }
 
-/// All that the results depend on: the options of the operation, in the order of its help, and the choice of frames.
+/// Whether OpenCV adds in another order, and so rounds differently, where the processor has AVX2.
+bool DependsOnInstructions(const std::string& operation) {
+    return operation == "flow" || operation == "people";
+}
+
+/// All that the results depend on: the options of the operation, in the order of its help, the choice of frames, and
+/// the processor's instructions where they count.
 nlohmann::ordered_json ResultOptions(const CLI::App& operation, const FrameRange& frames) {
     nlohmann::ordered_json values = nlohmann::ordered_json::object();
     for (const CLI::Option* const option : operation.get_options()) {
@@ -122,6 +130,9 @@ nlohmann::ordered_json ResultOptions(const CLI::App& operation, const FrameRange
     values["end"] = nullptr;
     if (frames.end != INT_MAX) values["end"] = frames.end;
     values["every"] = frames.every;
+    if (DependsOnInstructions(operation.get_name())) {
+        values["instructions"] = cv::checkHardwareSupport(CV_CPU_AVX2) ? "avx2" : "baseline";
+    }
     return values;
 }
 

@@ -3,12 +3,25 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "host/CommandFixture.h"
 
 namespace quarry::test {
+
+/// The command does without the instructions of AVX2 while this lives.
+class WithoutAvx2 {
+public:
+    WithoutAvx2() { setenv(kVariable, "AVX2", 1); }
+    WithoutAvx2(const WithoutAvx2&) = delete;
+    WithoutAvx2& operator=(const WithoutAvx2&) = delete;
+    ~WithoutAvx2() { unsetenv(kVariable); }
+
+private:
+    static constexpr const char* kVariable = "OPENCV_CPU_DISABLE";
+};
 
 class Archive : public QuarryCommand {
 protected:

@@ -71,6 +71,23 @@ TEST_F(MergeCommand, RefusesWhatIsOfOtherOptionsOperationsOrVersions) {
     EXPECT_EQ(Merged("lines"), Output("a.avi") + whole);
 }
 
+TEST_F(MergeCommand, RefusesWhatIsOfOtherInstructionsWhereTheyCount) {
+    if (!cv::checkHardwareSupport(CV_CPU_AVX2)) GTEST_SKIP() << "no AVX2";
+    WriteVideos({"a.avi", "b.avi"}, {160, 140});
+    for (const char* const operation : {"flow", "people", "sharpness"}) {
+        fs::remove_all(folder / "lines");
+        ASSERT_EQ(Scan(operation, "lines", {"--shard", "1/2"}).exitCode, 0);
+        const WithoutAvx2 without;
+        ASSERT_EQ(Scan(operation, "lines", {"--shard", "2/2"}).exitCode, 0);
+        if (std::string(operation) == "sharpness") {
+            EXPECT_EQ(Merged("lines"), Output("a.avi") + Output("b.avi"));
+            continue;
+        }
+        ExpectRefusal("lines/b.avi.jsonl: is of ", "\"instructions\":\"baseline\"}, but lines/a.avi.jsonl is of ");
+        ExpectRefusal("lines/b.avi.jsonl: is of ", "\"instructions\":\"avx2\"}\n");
+    }
+}
+
 TEST_F(MergeCommand, RefusesUnfinishedAndForeignFiles) {
     WriteVideos({"a.avi", "b.avi"});
     ASSERT_EQ(Scan("sharpness", "lines").exitCode, 0);

@@ -121,6 +121,8 @@ TEST_F(ScanCommand, TheFirstLineSaysWhatTheOthersDependOn) {
 
 TEST_F(ScanCommand, TheFirstLineHasAllOptionsInAFixedOrder) {
     WriteVideo("videos/clip.avi", 2, {160, 140});
+    const std::string instructions =
+        std::string(R"("instructions":")") + (cv::checkHardwareSupport(CV_CPU_AVX2) ? "avx2" : "baseline") + "\"}";
     const std::vector<std::pair<Arguments, std::string>> calls = {
         {{"background"},
          R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":4,"first":0,"end":null,"every":1})"},
@@ -130,14 +132,16 @@ TEST_F(ScanCommand, TheFirstLineHasAllOptionsInAFixedOrder) {
          R"({"sensitivity":0.5,"history":500,"adaptation":10,"speedup":2,"first":0,"end":9,"every":2})"},
         {{"track", "--rect=-1,2,30,40"}, R"({"rect":[-1,2,30,40],"mode":0,"first":0,"end":null,"every":1})"},
         {{"flow", "--detail", "0.3"},
-         R"({"detail":0.3,"quality":null,"line":null,"values":32,"first":0,"end":null,"every":1})"},
+         R"({"detail":0.3,"quality":null,"line":null,"values":32,"first":0,"end":null,"every":1,)" + instructions},
         {{"contours", "--method", "none"},
          R"({"rect":null,"method":"none","select":"area","first":0,"end":null,"every":1})"},
         {{"occupancy"}, R"({"grid":"16x12","fill":0.3,"min-area":0.001,"first":0,"end":null,"every":1})"},
         {{"clusters", "--every-pixel"}, R"({"min-area":0.001,"every-pixel":true,"first":0,"end":null,"every":1})"},
         {{"people", "--area", "0,0,1,1", "--area", "0,0.0,.50,1"},
-         R"({"sensitivity":0.4,"min-size":0,"max-size":1,"area":[[0,0,1,1],[0,0,0.5,1]],"first":0,"end":null,"every":1})"},
-        {{"people"}, R"({"sensitivity":0.4,"min-size":0,"max-size":1,"area":[],"first":0,"end":null,"every":1})"},
+         R"({"sensitivity":0.4,"min-size":0,"max-size":1,"area":[[0,0,1,1],[0,0,0.5,1]],"first":0,"end":null,"every":1,)" +
+             instructions},
+        {{"people"},
+         R"({"sensitivity":0.4,"min-size":0,"max-size":1,"area":[],"first":0,"end":null,"every":1,)" + instructions},
         {{"fire", "--frames", "0:"}, R"({"first":0,"end":null,"every":1})"},
     };
     for (const auto& [call, options] : calls) {
@@ -220,6 +224,20 @@ TEST_F(ScanCommand, AnythingElseIsDoneAnew) {
     fs::last_write_time(folder / "videos/a.avi", modified);
     ExpectDone(Scan("sharpness", "lines"), 1, 1);
     EXPECT_EQ(FramesIn("lines/a.avi.jsonl").size(), 9U);
+}
+
+TEST_F(ScanCommand, WhatDependsOnInstructionsIsDoneAnewWithOthers) {
+    if (!cv::checkHardwareSupport(CV_CPU_AVX2)) GTEST_SKIP() << "no AVX2";
+    WriteVideos({"a.avi"}, {160, 140});
+    for (const char* const operation : {"flow", "people", "sharpness"}) {
+        ExpectDone(Scan(operation, operation), 1, 0);
+        const bool depends = std::string(operation) != "sharpness";
+        const WithoutAvx2 without;
+        ExpectDone(Scan(operation, operation), depends ? 1 : 0, depends ? 0 : 1);
+        ExpectDone(Scan(operation, operation), 0, 1);
+        const json options = LinesOf(std::string(operation) + "/a.avi.jsonl").front().at("options");
+        EXPECT_EQ(options.value("instructions", ""), depends ? "baseline" : "");
+    }
 }
 
 TEST_F(ScanCommand, ATruncatedVideoIsPlayedAsFarAsItGoes) {
