@@ -120,8 +120,8 @@ class Curves:
         if self.from_zero and len(self.names) == 1:
             axes.fill_between(self.x, self.values(), color=ACCENT, alpha=0.13, linewidth=0)
         axes.margins(x=0, y=0.08)
-        if len(self.x) > 1:
-            axes.set_xlim(self.x[0], self.x[-1])
+        begin, end = (self.x[0], self.x[-1]) if self.x else (0, 1)
+        axes.set_xlim(begin, end if end > begin else begin + 1)
         if self.from_zero:
             highest = max((value for row in self.rows for value in row), default=0)
             axes.set_ylim(0, highest * 1.08 or 1)
@@ -160,7 +160,7 @@ class Strip:
         below.grid(axis="y")
         below.spines["left"].set_visible(False)
         below.tick_params(axis="y", length=0)
-        below.plot(self.x, self._mean(), color=ACCENT, linewidth=2)
+        below.plot(self.x, self.means(), color=ACCENT, linewidth=2)
         figure.align_ylabels()
 
     def draw_small(self, axes: Axes) -> None:
@@ -171,7 +171,8 @@ class Strip:
         values = np.array(self.columns, float).T if self.columns else np.zeros((1, 1))
         return np.flipud(values)
 
-    def _mean(self) -> NDArray[np.float64]:
+    def means(self) -> NDArray[np.float64]:
+        """Of the values of each column that are numbers; 0 where there are none."""
         values = self._values()[:, : len(self.x)]
         known = ~np.isnan(values)
         return np.asarray(np.where(known, values, 0).sum(axis=0) / np.maximum(1, known.sum(axis=0)))
@@ -289,7 +290,8 @@ def _element(figure: Figure, title: str) -> str:
     box = re.search(r'viewBox="([^"]*)"', whole)
     assert box
     content = whole[whole.index("</metadata>") + len("</metadata>") :]
-    content = re.sub(r'<g id="[a-z]+[^"]*">', "<g>", content)
+    content = re.sub(r'<g id="[^"]*"/>', "", content)
+    content = re.sub(r'<g id="[^"]*">', "<g>", content)
     content = re.sub(r"<style type=.*?</style>", "", content, flags=re.DOTALL)
     content = re.sub(r"\s*\n\s*", "\n", content)
     return f'<svg viewBox="{box[1]}" role="img" aria-label="{escape(title)}">{content}'
