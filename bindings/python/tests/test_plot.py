@@ -70,7 +70,8 @@ def test_nothing_to_draw_is_drawn():
 
 
 def test_the_mean_leaves_out_what_is_no_number():
-    strip = plot.Strip("Some", "y", "px", x=[0, 1, 2], columns=[[1, None, 3], [None, None, None], [0, -4, float("nan")]])
+    columns = [[1, None, 3], [None, None, None], [0, -4, float("nan")]]
+    strip = plot.Strip("Some", "y", "px", x=[0, 1, 2], columns=columns)
     assert np.array_equal(strip.means(), [2, 0, -2])
 
 

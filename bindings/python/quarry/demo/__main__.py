@@ -15,8 +15,8 @@ def main() -> None:
     """Writes the page and says where it is."""
     parser = argparse.ArgumentParser(
         prog="python3 -m quarry.demo",
-        description="Runs every operation on footage and writes one page that shows what came out. Without footage it draws "
-                    "scenes of its own. The page is one file, pictures included.")
+        description="Runs every operation on footage and writes one page that shows what came out. Without footage it "
+                    "draws scenes of its own. The page is one file, pictures included.")
     parser.add_argument("--media", type=pathlib.Path, default="media", help="folder with vtest.avi and pictures")
     parser.add_argument("--out", type=pathlib.Path, default="demo", help="folder to write report.html to")
     parser.add_argument("--cascade", type=pathlib.Path, default=FACE_MODEL,

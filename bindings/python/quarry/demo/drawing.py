@@ -123,7 +123,7 @@ def with_ellipse(picture: Frame, center: tuple[int, int], half: tuple[int, int])
 
 
 def motion(field: NDArray[np.float32], full: float) -> Frame:
-    """Motion in colour: the hue is its direction, the brightness its speed, up to `full`; what stands still is black."""
+    """Motion in colour: the hue is its direction, the brightness its speed up to `full`; what stands still is black."""
     speed, direction = cv2.cartToPolar(field[..., 0], field[..., 1], angleInDegrees=True)
     hsv = cv2.merge([direction, np.ones_like(speed), np.minimum(speed / full, 1)])
     picture: Frame = np.rint(cv2.cvtColor(hsv, cv2.COLOR_HSV2BGR) * 255).astype(np.uint8)

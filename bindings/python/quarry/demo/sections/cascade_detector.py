@@ -37,10 +37,11 @@ def section(footage: Footage) -> Section:
 
     page.timer = timer
     page.counted = "per picture"
-    page.input = f"{len(pictures)} pictures" + (" that show faces" if footage.portraits else "; none is known to show a face")
+    shown = " that show faces" if footage.portraits else "; none is known to show a face"
+    page.input = f"{len(pictures)} pictures{shown}"
     page.picture = found[0].picture
-    page.text(f"Searched for faces seen from the front, at least {SMALLEST} pixels wide, with the model {model.name}. Bold: "
-              "how many were found.")
+    page.text(f"Searched for faces seen from the front, at least {SMALLEST} pixels wide, with the model {model.name}. "
+              "Bold: how many were found.")
     page.figures("three", found)
     page.heading("How sure it has to be")
     page.text("The fewer neighbouring hits make a detection, the more is found, and the more of it is wrong.")

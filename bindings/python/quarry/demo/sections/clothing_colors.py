@@ -21,10 +21,10 @@ def section(footage: Footage) -> Section:
     if clip.body is not None:
         people.insert(0, (f"a walker of {clip.name}", clip.target_frame(), clip.body))
     page.input = " and ".join(name for name, _, _ in people)
-    page.text("Hosts have the 17 points of a body from some model; these were set by hand. The figure was drawn in a red "
-              "shirt with a cream stripe, navy shorts and bare shins, so its colours are known: "
-              f"{', '.join(map(hex_of, worn))}. Where an area reaches over an edge, a little of the neighbouring colour is "
-              "mixed in.")
+    page.text("Hosts have the 17 points of a body from some model; these were set by hand. The figure was drawn in a "
+              "red shirt with a cream stripe, navy shorts and bare shins, so its colours are known: "
+              f"{', '.join(map(hex_of, worn))}. Where an area reaches over an edge, a little of the neighbouring "
+              "colour is mixed in.")
 
     colors_of = quarry.ClothingColors()
     for name, picture, body in people:

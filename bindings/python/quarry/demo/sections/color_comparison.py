@@ -50,8 +50,8 @@ def section(footage: Footage) -> Section:
     )
     page.heading("Is it still the same?")
     page.plot(likeness)
-    page.text("Each frame against the first: the part that goes along with what the correlation tracker follows (outlined "
-              "below), and the place where it was at first. 1 is alike, 0 nothing in common.")
+    page.text("Each frame against the first: the part that goes along with what the correlation tracker follows "
+              "(outlined below), and the place where it was at first. 1 is alike, 0 nothing in common.")
     page.figures("four", figures)
     return page
 

@@ -49,7 +49,7 @@ def section(footage: Footage) -> Section:
     )
     page.heading("Who is in the zone")
     page.plot(counts)
-    page.text("The zone is drawn white. Contours are orange inside of it, blue across its border and grey outside. Letters "
-              "mark the instants shown below.")
+    page.text("The zone is drawn white. Contours are orange inside of it, blue across its border and grey outside. "
+              "Letters mark the instants shown below.")
     page.figures("three", shots.figures)
     return page

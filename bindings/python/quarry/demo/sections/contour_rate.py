@@ -51,9 +51,9 @@ def section(footage: Footage) -> Section:
     )
     page.heading("How fast the shape changes")
     page.plot(rates)
-    page.text("The contour is that of what moves within the tracked rectangle, against the one before it. Somebody who "
-              "walks changes shape with every step; peaks are contours that fell apart or grew together. Letters mark the "
-              "instants shown below.")
+    page.text("The contour is that of what moves within the tracked rectangle, against the one before it. Somebody "
+              "who walks changes shape with every step; peaks are contours that fell apart or grew together. Letters "
+              "mark the instants shown below.")
     page.figures("three", shots.figures)
     return page
 

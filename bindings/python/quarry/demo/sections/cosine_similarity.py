@@ -29,8 +29,8 @@ def section(footage: Footage) -> Section:
     others = similarities - 2 * np.eye(len(pictures))
     page.picture = np.hstack([middle_of(pictures[place], 240, 240) for place in divmod(others.argmax(), len(pictures))])
     page.heading("Pictures by their colours")
-    page.text("Hosts compare descriptions of faces or people that some model made. Here, for want of a model, a picture is "
-              "described by its colours: how often each of 8 × 8 × 8 = 512 occurs, scaled to length 1.")
+    page.text("Hosts compare descriptions of faces or people that some model made. Here, for want of a model, a "
+              "picture is described by its colours: how often each of 8 × 8 × 8 = 512 occurs, scaled to length 1.")
     page.matrix(names, pictures, similarities.tolist())
     return page
 

@@ -18,9 +18,9 @@ def section(footage: Footage) -> Section:
     page.timer = timer = Timer()
     page.legend(
         wheel(190),
-        "The colour is the direction of the motion, that in which it lies on the wheel; the brightness is the speed, up "
-        f"to {FULL_MOTION} pixels per frame. What stands still is black. Frames are taken at full size, but only a few of "
-        "them: this is slow work.",
+        "The colour is the direction of the motion, that in which it lies on the wheel; the brightness is the speed, "
+        f"up to {FULL_MOTION} pixels per frame. What stands still is black. Frames are taken at full size, but only a "
+        "few of them: this is slow work.",
     )
 
     apart = max(FRAMES_PER_INSTANT, clip.count // (INSTANTS + 1))

@@ -48,9 +48,9 @@ def section(footage: Footage) -> Section:
             ("the face blurred", np.where(inside, blur, pixels)),
         ]
     ])
-    page.text("Bold: sharpness of the ellipse, in grey levels²; bars are on a logarithmic scale. “All” is the sharpness of "
-              "the whole picture, which a blurred background pulls down and a blurred face hardly changes. Outside the "
-              "ellipse all counts as black, so its border and its size are part of the value.")
+    page.text("Bold: sharpness of the ellipse, in grey levels²; bars are on a logarithmic scale. “All” is the "
+              "sharpness of the whole picture, which a blurred background pulls down and a blurred face hardly "
+              "changes. Outside the ellipse all counts as black, so its border and its size are part of the value.")
     page.heading("From blurred to sharp")
     page.figures("four", [figure(blurred(pixels, sigma), f"σ = {sigma} px" if sigma else "as it is")
                           for sigma in (4, 2, 1, 0)])

@@ -16,9 +16,9 @@ def section(footage: Footage) -> Section:
     page = Section("Denoising", "Averages pixels whose surroundings look alike, so that noise goes and edges stay.")
     page.input = f"the middle of {len(pictures)} pictures with noise added"
     page.timer = timer = Timer()
-    page.text(f"Gaussian noise with a standard deviation of {NOISE} grey levels was added to the middle of each picture. "
-              "Bold: peak signal-to-noise ratio against the picture without noise; higher is nearer to it. Fine texture "
-              "that looks like noise goes with the noise.")
+    page.text(f"Gaussian noise with a standard deviation of {NOISE} grey levels was added to the middle of each "
+              "picture. Bold: peak signal-to-noise ratio against the picture without noise; higher is nearer to it. "
+              "Fine texture that looks like noise goes with the noise.")
 
     random = np.random.default_rng(1)
     denoise = quarry.FastNlMeansDenoising()

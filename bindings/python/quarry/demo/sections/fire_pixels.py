@@ -35,13 +35,13 @@ def section(footage: Footage) -> Section:
 
     page.picture = outlined(drawn.pixels, regions[drawn.name])
     page.heading("Which colours count as flame")
-    page.text("Hue from red over green and blue back to red, lightness from dark at the bottom to light at the top. What is "
-              "not a flame colour is washed out.")
+    page.text("Hue from red over green and blue back to red, lightness from dark at the bottom to light at the top. "
+              "What is not a flame colour is washed out.")
     page.figures("two", [Figure(chart(find, saturation), f"saturation {saturation} %", exact=True)
                          for saturation in (100, 50)])
     show(drawn)
-    page.text("The region is grown by up to 10 pixels. Below: the pictures with the largest regions. Colour alone decides, so "
-              "that things which do not burn are found too.")
+    page.text("The region is grown by up to 10 pixels. Below: the pictures with the largest regions. Colour alone "
+              "decides, so that things which do not burn are found too.")
     for picture in sorted(footage.pictures, key=share, reverse=True)[:SHOWN]:
         show(picture)
     return page

@@ -43,9 +43,8 @@ def section(footage: Footage) -> Section:
     )
     page.heading("Motion across the line, and its mean")
     page.plot(strip)
-    page.text(
-        "Each column is an instant, from the line’s start at the bottom to its end at the top. Orange moves to the right "
-        "of somebody who walks along the line from its start, blue to the left. Every second frame was taken, scaled to "
-        f"{width} × {height}; motion is in pixels of these frames from one to the next, {EVERY / clip.rate:.2f} s apart."
-    )
+    page.text("Each column is an instant, from the line’s start at the bottom to its end at the top. Orange moves to "
+              "the right of somebody who walks along the line from its start, blue to the left. Every second frame "
+              f"was taken, scaled to {width} × {height}; motion is in pixels of these frames from one to the next, "
+              f"{EVERY / clip.rate:.2f} s apart.")
     return page

@@ -42,8 +42,9 @@ def section(footage: Footage) -> Section:
     )
     page.heading("How many are found")
     page.plot(count)
-    page.text(f"One frame in {every} was searched, at sensitivity 0.4. Letters mark the instants shown below. A rectangle has "
-              "a margin around the person and is 128 pixels high or higher, so smaller people are missed.")
+    page.text(f"One frame in {every} was searched, at sensitivity 0.4. Letters mark the instants shown below. A "
+              "rectangle has a margin around the person and is 128 pixels high or higher, so smaller people are "
+              "missed.")
     page.figures("three", shots.figures)
     page.heading("How finely it searches")
     page.text("The searched frame with the most people, from the coarsest search on. Bold: time for this frame.")

@@ -46,8 +46,8 @@ def section(footage: Footage) -> Section:
             followed.append(Figure(part, f"{clip.seconds(index):.1f} s"))
     page.heading("Cut around a target that is followed")
     page.figures("four", followed)
-    page.text("The correlation tracker says where the target is; each cut is centred on it. What lies beyond the frame is "
-              "black.")
+    page.text("The correlation tracker says where the target is; each cut is centred on it. What lies beyond the "
+              "frame is black.")
 
     page.picture = followed[0].picture
     page.counted = f"per cut of {height * 4 // 3} × {height}"

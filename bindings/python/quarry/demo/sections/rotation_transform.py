@@ -25,7 +25,7 @@ def section(footage: Footage) -> Section:
     page.picture = figures[1].picture
     page.heading("Angles and scales")
     page.figures("four", figures)
-    page.text("Positive angles turn counter-clockwise. The picture is turned on a canvas that has room for all of it, and "
-              "the canvas is squeezed into the size of the picture, so that its proportions change with the angle. The "
-              "scale enlarges the picture, not the canvas.")
+    page.text("Positive angles turn counter-clockwise. The picture is turned on a canvas that has room for all of "
+              "it, and the canvas is squeezed into the size of the picture, so that its proportions change with the "
+              "angle. The scale enlarges the picture, not the canvas.")
     return page

@@ -40,7 +40,8 @@ def section(footage: Footage) -> Section:
         places = landmarks @ matrix[:, :2].T + matrix[:, 2]
         with timer:
             aligned = align(picture, places, layout)
-        before.append(Figure(with_crosses(picture, places, GREEN, max(4, width // 20)), f"{degrees}°, scale {scale:.2f}"))
+        marked = with_crosses(picture, places, GREEN, max(4, width // 20))
+        before.append(Figure(marked, f"{degrees}°, scale {scale:.2f}"))
         if not after:
             first = aligned
         apart = f", {difference(first, aligned):.1f} from the first" if after else ""
@@ -49,9 +50,9 @@ def section(footage: Footage) -> Section:
     page.picture = after[-1].picture
     page.heading("From any position into one layout")
     page.figures("four", before + after)
-    page.text("Above: the picture turned, scaled and shifted, with its landmarks. Below: aligned; the crosses are where the "
-              "landmarks are wanted. “From the first” is the mean difference amid the landmarks, in grey levels: what two "
-              "resamplings cost.")
+    page.text("Above: the picture turned, scaled and shifted, with its landmarks. Below: aligned; the crosses are "
+              "where the landmarks are wanted. “From the first” is the mean difference amid the landmarks, in grey "
+              "levels: what two resamplings cost.")
     return page
 
 

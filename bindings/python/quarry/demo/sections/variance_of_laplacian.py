@@ -33,8 +33,8 @@ def section(footage: Footage) -> Section:
     )
     page.heading("One picture, from blurred to sharp")
     name, pixels = pictures[0]
-    page.text(f"{name} under a Gaussian blur of growing σ. Values are in grey levels²; bars are on a logarithmic scale. "
-              "The middle is shown pixel by pixel; the whole picture is measured.")
+    page.text(f"{name} under a Gaussian blur of growing σ. Values are in grey levels²; bars are on a logarithmic "
+              "scale. The middle is shown pixel by pixel; the whole picture is measured.")
     series = [(f"σ = {sigma} px" if sigma else "as it is", blurred(pixels, sigma)) for sigma in SIGMAS]
     page.figures("three cuts", [measured(picture, caption, measure(picture)) for caption, picture in series])
     page.heading("Different pictures, from blurred to sharp")
