@@ -58,13 +58,6 @@ cv::Mat OutlineRegion(const cv::Mat& picture, const cv::Mat& region) {
     return outlined;
 }
 
-cv::Mat MarkFace(const cv::Mat& frame, const FaceEllipse& face) {
-    cv::Mat picture = frame.clone();
-    cv::ellipse(picture, {face.centerX, face.centerY}, {face.halfWidth, face.halfHeight}, 0, 0, 360, kTint, 2,
-                cv::LINE_AA);
-    return picture;
-}
-
 void MarkLine(cv::Mat& picture, const RelLine& line) {
     const auto pixel = [&](const FloatPoint& place) {
         return cv::Point(cvFloor(place.X * static_cast<float>(picture.cols)),

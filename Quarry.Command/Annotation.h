@@ -19,9 +19,6 @@ cv::Mat MarkFound(const cv::Mat& picture, const std::vector<cv::Rect>& found);
 /// The picture with a green line around a region.
 cv::Mat OutlineRegion(const cv::Mat& picture, const cv::Mat& region);
 
-/// The frame with an ellipse around a face.
-cv::Mat MarkFace(const cv::Mat& frame, const FaceEllipse& face);
-
 /// Draws the line into the picture, with a dot at its start.
 void MarkLine(cv::Mat& picture, const RelLine& line);
 

@@ -1,5 +1,5 @@
 /// @file
-/// What verbs and demo tell of results.
+/// What verbs tell of results.
 #pragma once
 
 #include <opencv2/core.hpp>

@@ -57,14 +57,15 @@ cv::Mat Disc(int diameter) {
     return disc;
 }
 
-}  // namespace
-
-cv::Mat FlowPicture(const cv::Mat& motion, double scale) {
+/// Which colour stands for which direction: that in which it lies from the middle.
+cv::Mat ColourWheel(int diameter) {
     cv::Mat speed;
     cv::Mat direction;
-    Polar(motion, speed, direction);
-    return Coloured(direction, BrightnessOf(speed, scale));
+    Polar(FieldOfWheel(diameter), speed, direction);
+    return Coloured(direction, BrightnessOf(speed, 1));
 }
+
+}  // namespace
 
 cv::Mat FlowOver(const cv::Mat& frame, const cv::Mat& motion, double scale) {
     cv::Mat speed;
@@ -81,23 +82,13 @@ cv::Mat FlowOver(const cv::Mat& frame, const cv::Mat& motion, double scale) {
 
     const int diameter = std::min(kLargestWheel, std::min(frame.cols, frame.rows) / kWheelsPerFrame);
     if (diameter > 2 * kWheelMargin) {
-        cv::Mat wheel;
-        cv::cvtColor(ColourWheel(diameter), wheel, cv::COLOR_BGRA2BGR);
+        const cv::Mat wheel = ColourWheel(diameter);
         const cv::Point corner(frame.cols - diameter - kWheelMargin, kWheelMargin);
         wheel.copyTo(picture(cv::Rect(corner, wheel.size())), Disc(diameter) > 127);
         const cv::Point middle = corner + cv::Point(diameter / 2, diameter / 2);
         cv::circle(picture, middle, diameter / 2, cv::Scalar::all(kRimGrey), 1, cv::LINE_AA);
     }
     return picture;
-}
-
-cv::Mat ColourWheel(int diameter) {
-    std::array<cv::Mat, 4> parts;
-    cv::split(FlowPicture(FieldOfWheel(diameter), 1), parts.data());
-    parts[3] = Disc(diameter);
-    cv::Mat wheel;
-    cv::merge(parts.data(), parts.size(), wheel);
-    return wheel;
 }
 
 Speed SpeedOf(const cv::Mat& motion) {

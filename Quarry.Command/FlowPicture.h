@@ -5,17 +5,11 @@
 
 namespace quarry::command {
 
-/// The motion in colour: the hue is its direction, the brightness its speed; what stands still is black.
+/// The motion in colour over the darkened frame: the hue is its direction, the brightness its speed. A wheel of colours
+/// in the corner shows which stands for which direction.
 /// @param motion  two floats per pixel, pixels per frame
 /// @param scale   the speed that is shown at full brightness, pixels per frame
-cv::Mat FlowPicture(const cv::Mat& motion, double scale);
-
-/// The same over the darkened frame, with the wheel that explains its colours in the corner.
 cv::Mat FlowOver(const cv::Mat& frame, const cv::Mat& motion, double scale);
-
-/// Which colour stands for which direction: that in which it lies from the middle.
-/// @return with a fourth channel, transparent outside the wheel
-cv::Mat ColourWheel(int diameter);
 
 /// How fast a field moves, in pixels per frame.
 struct Speed {

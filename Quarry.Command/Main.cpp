@@ -23,7 +23,6 @@ constexpr const char* kFooter = R"(Examples:
   quarry background street.avi --out street-marked.avi
   quarry track street.avi --rect 310,140,40,90 --out street-tracked.avi
   quarry scan sharpness --manifest videos --out lines --shard 2/16
-  quarry demo --media media --out demo
   quarry describe mosse-tracker
 
 `quarry VERB --help` tells more about a verb.
@@ -83,12 +82,12 @@ int Main(int argc, char** argv) {
     app.set_version_flag("--version", "quarry " QUARRY_VERSION);
     app.require_subcommand(0, 1);
     app.footer(kFooter);
-    const std::vector<Verb> verbs = {
-        AddSharpness(app), AddDiff(app),      AddSimilarity(app), AddDenoise(app),   AddBackground(app),
-        AddTrack(app),     AddFlow(app),      AddContours(app),   AddOccupancy(app), AddClusters(app),
-        AddInside(app),    AddShapeRate(app), AddRect(app),       AddClothing(app),  AddDetect(app),
-        AddPeople(app),    AddColours(app),   AddFire(app),       AddAlign(app),     AddRotate(app),
-        AddScan(app),      AddMerge(app),     AddList(app),       AddDescribe(app),  AddDemo(app)};
+    const std::vector<Verb> verbs = {AddSharpness(app),  AddDiff(app),     AddSimilarity(app), AddDenoise(app),
+                                     AddBackground(app), AddTrack(app),    AddFlow(app),       AddContours(app),
+                                     AddOccupancy(app),  AddClusters(app), AddInside(app),     AddShapeRate(app),
+                                     AddRect(app),       AddClothing(app), AddDetect(app),     AddPeople(app),
+                                     AddColours(app),    AddFire(app),     AddAlign(app),      AddRotate(app),
+                                     AddScan(app),       AddMerge(app),    AddList(app),       AddDescribe(app)};
     try {
         app.parse(argc, argv);
         return RunChosen(verbs);

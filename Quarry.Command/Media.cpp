@@ -43,22 +43,16 @@ cv::Mat ReadPicture(const std::filesystem::path& path) {
     return picture;
 }
 
-TextFile::TextFile(const std::filesystem::path& path_) : path(path_), file(path_) {}
-
-void TextFile::Write(const std::string& text) {
-    std::ofstream stream(file.temporary(), std::ios::binary);
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    stream.close();
-    if (!stream) throw Failure(path.string() + ": cannot be written in full");
-    file.Keep();
-}
-
-PictureFile::PictureFile(const std::filesystem::path& path) : extension(path.extension().string()), file(path) {}
+PictureFile::PictureFile(const std::filesystem::path& path_) : path(path_), file(path_) {}
 
 void PictureFile::Write(const cv::Mat& picture) {
     std::vector<uchar> bytes;
-    cv::imencode(extension, picture, bytes);
-    file.Write({bytes.begin(), bytes.end()});
+    cv::imencode(path.extension().string(), picture, bytes);
+    std::ofstream stream(file.temporary(), std::ios::binary);
+    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    stream.close();
+    if (!stream) throw Failure(path.string() + ": cannot be written in full");
+    file.Keep();
 }
 
 VideoReader::VideoReader(const std::filesystem::path& path) {

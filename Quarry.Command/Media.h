@@ -22,20 +22,6 @@ bool IsPicture(const std::filesystem::path& path);
 /// @throws Failure  there is no such file or it is not a picture
 cv::Mat ReadPicture(const std::filesystem::path& path);
 
-/// A text that appears under its name when it is complete.
-class TextFile {
-public:
-    /// @throws Failure  nothing can be written there
-    explicit TextFile(const std::filesystem::path& path);
-
-    /// Once: all there is.
-    void Write(const std::string& text);
-
-private:
-    std::filesystem::path path;
-    OutputFile file;
-};
-
 /// A picture that appears under its name when it is complete.
 class PictureFile {
 public:
@@ -47,8 +33,8 @@ public:
     void Write(const cv::Mat& picture);
 
 private:
-    std::string extension;
-    TextFile file;
+    std::filesystem::path path;
+    OutputFile file;
 };
 
 /// Frames per second of what does not say how many it has.

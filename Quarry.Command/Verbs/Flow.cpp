@@ -7,10 +7,9 @@
 #include <vector>
 
 #include "Annotation.h"
-#include "Demo/Plot.h"
 #include "FlowPicture.h"
 #include "Foreground.h"
-#include "Media.h"
+#include "PlotFile.h"
 #include "Timing.h"
 #include "Verbs/Options.h"
 #include "Verbs/OverVideo.h"
@@ -28,7 +27,8 @@ speed, up to --scale pixels per frame.
 With --line it also measures the motion across a line, e.g. a doorstep: N values from its
 start to its end, in pixels per frame, positive to the right of somebody who walks along it.
 X and Y are fractions of the frame's width and height. A value may be not a number (null in
-JSON) where the motion is nearly none. --plot draws the values over time.
+JSON) where the motion is nearly none. --plot draws the values and their mean over time; it
+needs the packages python3-quarry and python3-matplotlib.
 
 This is slow: some 50 to 500 ms per frame, depending on its size and on --quality. --quality 0
 looks at the finest level only and misses fast motion; between 0 and 0.1 nothing is computed
@@ -48,12 +48,7 @@ struct Options {
 
 class Flow : public FrameByFrame {
 public:
-    explicit Flow(const Options& options_) : options(options_), calculator(options_.flow) {
-        strip.title = "Motion across the line, over time";
-        strip.yLabel = "place on the line, % of its length";
-        strip.xLabel = "time, s";
-        strip.unit = "px";
-    }
+    explicit Flow(const Options& options_) : options(options_), calculator(options_.flow) {}
 
     void Take(const VideoFrame& frame) override {
         last = frame;
@@ -69,8 +64,8 @@ public:
             across.assign(values.begin(), values.end());
         }
         if (!options.plot.empty()) {
-            strip.x.push_back(frame.seconds);
-            strip.columns.push_back(across);
+            plot["x"].push_back(frame.seconds);
+            plot["columns"].push_back(across);
         }
     }
 
@@ -99,7 +94,8 @@ public:
 
     std::string Summary() const override { return Format("%.1f ms per frame (median)", Quantile(milliseconds, 0.5)); }
 
-    const HeatStrip& motionOverTime() const { return strip; }
+    /// As `quarry.plot` reads it.
+    const nlohmann::json& motionOverTime() const { return plot; }
 
 private:
     const Options& options;
@@ -109,17 +105,21 @@ private:
     cv::Mat motion;  ///< the calculator's own
     Speed speed{};
     std::vector<float> across;
-    HeatStrip strip;
+    nlohmann::json plot = {{"title", "Motion across the line, over time"},
+                           {"y_label", "place on the line, %"},
+                           {"unit", "px"},
+                           {"x", nlohmann::json::array()},
+                           {"columns", nlohmann::json::array()}};
     std::vector<double> milliseconds;
 };
 
 int Run(const VideoOptions& video, const Options& options) {
     CheckIsNotAnInput("--plot", options.plot, {video.video});
-    std::optional<TextFile> plot;
+    std::optional<PlotFile> plot;
     if (!options.plot.empty()) plot.emplace(options.plot);
     Flow verb(options);
     const int exitCode = RunOverVideo(video, "flow", verb);
-    if (plot) plot->Write(StandaloneSvg(verb.motionOverTime()));
+    if (plot) plot->Draw(verb.motionOverTime());
     return exitCode;
 }
 

@@ -34,7 +34,6 @@ Verb AddRotate(CLI::App& commandLine);
 Verb AddPeople(CLI::App& commandLine);
 Verb AddDetect(CLI::App& commandLine);
 Verb AddFire(CLI::App& commandLine);
-Verb AddDemo(CLI::App& commandLine);
 Verb AddList(CLI::App& commandLine);
 Verb AddDescribe(CLI::App& commandLine);
 Verb AddScan(CLI::App& commandLine);

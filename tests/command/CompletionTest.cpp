@@ -34,7 +34,7 @@ using Words = std::set<std::string>;
 
 TEST_F(QuarryCommand, CompletionOffersTheVerbsOfTheHelp) {
     const Words verbs = Offered({""});
-    for (const char* const verb : {"sharpness", "diff", "background", "track", "demo", "list", "describe"}) {
+    for (const char* const verb : {"sharpness", "diff", "background", "track", "list", "describe"}) {
         EXPECT_EQ(verbs.count(verb), 1U) << verb;
     }
     for (const std::string& verb : verbs) {

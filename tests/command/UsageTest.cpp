@@ -18,7 +18,7 @@ TEST_F(QuarryCommand, HelpNamesTheVerbsAndTheirOptions) {
     for (const char* const verb :
          {"sharpness", "diff",     "similarity", "denoise",    "background", "track",    "flow",    "contours",
           "occupancy", "clusters", "inside",     "shape-rate", "rect",       "clothing", "colours", "align",
-          "rotate",    "detect",   "people",     "fire",       "demo",       "scan",     "merge"}) {
+          "rotate",    "detect",   "people",     "fire",       "scan",       "merge"}) {
         EXPECT_NE(outcome.out.find(verb), std::string::npos) << verb;
         EXPECT_EQ(Run({verb, "--help"}).exitCode, 0) << verb;
     }
@@ -46,7 +46,6 @@ TEST_F(QuarryCommand, WrongUsageEndsWithTwoAndNamesTheArgument) {
     ExpectOneLineError({"background"}, 2, "VIDEO");
     ExpectOneLineError({"background", "clip.avi", "other.avi"}, 2, "other.avi");
     ExpectOneLineError({"background", "clip.avi", "--out"}, 2, "--out");
-    ExpectOneLineError({"demo", "more"}, 2, "more");
 }
 
 TEST_F(QuarryCommand, AnUnknownVerbIsNamedAndTheNearestOneToo) {
