@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "Console.h"
-#include "Verbs/Verbs.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -1,4 +1,4 @@
-#include "Archive/Fingerprint.h"
+#include "Fingerprint.h"
 
 #include <fcntl.h>
 #include <openssl/evp.h>

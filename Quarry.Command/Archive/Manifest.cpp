@@ -1,4 +1,4 @@
-#include "Archive/Manifest.h"
+#include "Manifest.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -13,7 +13,7 @@
 #include <system_error>
 
 #include "Console.h"
-#include "Verbs/Options.h"
+#include "Options.h"
 
 namespace quarry::command {
 namespace {

@@ -1,4 +1,4 @@
-#include "Archive/Scanning.h"
+#include "Scanning.h"
 
 #include <Quarry/Version.h>
 
@@ -8,10 +8,10 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "Archive/Fingerprint.h"
-#include "Archive/VideoLines.h"
 #include "Console.h"
-#include "Verbs/Options.h"
+#include "Fingerprint.h"
+#include "Options.h"
+#include "VideoLines.h"
 
 namespace quarry::command {
 namespace {

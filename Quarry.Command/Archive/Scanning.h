@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "Archive/Manifest.h"
-#include "Verbs/FrameByFrame.h"
-#include "Verbs/SelectedFrames.h"
+#include "FrameAnalyser.h"
+#include "Manifest.h"
+#include "SelectedFrames.h"
 
 namespace quarry::command {
 

@@ -1,10 +1,10 @@
-#include "Archive/VideoLines.h"
+#include "VideoLines.h"
 
 #include <cstddef>
 #include <system_error>
 
 #include "Console.h"
-#include "Verbs/Options.h"
+#include "Options.h"
 
 namespace quarry::command {
 

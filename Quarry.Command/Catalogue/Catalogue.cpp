@@ -1,4 +1,4 @@
-#include "Catalogue/Catalogue.h"
+#include "Catalogue.h"
 
 #include <Quarry/Operations.h>
 
@@ -7,7 +7,7 @@
 #include <iterator>
 #include <numeric>
 
-#include "Catalogue/Describing.h"
+#include "Describing.h"
 
 namespace quarry::command {
 

@@ -1,4 +1,4 @@
-#include "Catalogue/Description.h"
+#include "Description.h"
 
 #include <Quarry/Framing.h>
 
@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "Verbs/Options.h"
+#include "Options.h"
 
 namespace quarry::command {
 namespace {

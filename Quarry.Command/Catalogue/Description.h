@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "Catalogue/Catalogue.h"
+#include "Catalogue.h"
 
 namespace quarry::command {
 

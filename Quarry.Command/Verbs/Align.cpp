@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "Console.h"
-#include "Verbs/JsonFile.h"
-#include "Verbs/Options.h"
-#include "Verbs/OverPicture.h"
-#include "Verbs/Points.h"
-#include "Verbs/Verbs.h"
+#include "JsonInput.h"
+#include "Options.h"
+#include "PictureTransformVerb.h"
+#include "PointLists.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "Annotation.h"
-#include "Figures.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/OverVideo.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "Statistics.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
+#include "VideoVerb.h"
 
 namespace quarry::command {
 namespace {

@@ -10,12 +10,12 @@
 #include "Body.h"
 #include "ClothingPicture.h"
 #include "Console.h"
+#include "JsonInput.h"
 #include "Media.h"
-#include "Timing.h"
-#include "Verbs/JsonFile.h"
-#include "Verbs/Options.h"
-#include "Verbs/Points.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PointLists.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -6,12 +6,13 @@
 
 #include "Annotation.h"
 #include "Foreground.h"
+#include "Options.h"
 #include "OutlinePicture.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/PictureOrVideo.h"
-#include "Verbs/PolygonFile.h"
-#include "Verbs/Verbs.h"
+#include "PictureOrVideoVerb.h"
+#include "PolygonFile.h"
+#include "Statistics.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -7,10 +7,10 @@
 
 #include "Console.h"
 #include "Media.h"
-#include "Places.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PixelRegions.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

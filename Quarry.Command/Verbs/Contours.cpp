@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "Annotation.h"
+#include "Options.h"
 #include "OutlinePicture.h"
-#include "Places.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/OverVideo.h"
-#include "Verbs/PolygonFile.h"
-#include "Verbs/Verbs.h"
+#include "PixelRegions.h"
+#include "PolygonFile.h"
+#include "Statistics.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
+#include "VideoVerb.h"
 
 namespace quarry::command {
 namespace {

@@ -8,10 +8,10 @@
 
 #include "Console.h"
 #include "Media.h"
+#include "Options.h"
 #include "Progress.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/Verbs.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -3,11 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "Catalogue/Catalogue.h"
-#include "Catalogue/Description.h"
+#include "Catalogue.h"
 #include "Console.h"
-#include "Verbs/Options.h"
-#include "Verbs/Verbs.h"
+#include "Description.h"
+#include "Options.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

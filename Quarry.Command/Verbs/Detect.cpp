@@ -4,9 +4,9 @@
 
 #include "Annotation.h"
 #include "Detection.h"
-#include "Verbs/Options.h"
-#include "Verbs/OverPictures.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PicturesVerb.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

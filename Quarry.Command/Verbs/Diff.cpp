@@ -6,11 +6,11 @@
 #include <string>
 
 #include "Console.h"
-#include "Figures.h"
 #include "Media.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "Statistics.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -4,11 +4,11 @@
 #include <string>
 
 #include "Annotation.h"
-#include "Figures.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/OverPictures.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PicturesVerb.h"
+#include "Statistics.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -9,11 +9,12 @@
 #include "Annotation.h"
 #include "FlowPicture.h"
 #include "Foreground.h"
+#include "Options.h"
 #include "PlotFile.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/OverVideo.h"
-#include "Verbs/Verbs.h"
+#include "Statistics.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
+#include "VideoVerb.h"
 
 namespace quarry::command {
 namespace {

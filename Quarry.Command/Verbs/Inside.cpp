@@ -3,9 +3,9 @@
 #include <string>
 
 #include "Console.h"
-#include "Verbs/Options.h"
-#include "Verbs/PolygonFile.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PolygonFile.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

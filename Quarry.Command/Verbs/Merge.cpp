@@ -10,11 +10,11 @@
 #include <tuple>
 #include <vector>
 
-#include "Archive/VideoLines.h"
 #include "Console.h"
+#include "Options.h"
 #include "OutputFile.h"
-#include "Verbs/Options.h"
-#include "Verbs/Verbs.h"
+#include "Verbs.h"
+#include "VideoLines.h"
 
 namespace quarry::command {
 namespace {

@@ -1,4 +1,4 @@
-#include "Verbs/Options.h"
+#include "Options.h"
 
 #include <algorithm>
 #include <charconv>

@@ -7,11 +7,12 @@
 #include <vector>
 
 #include "Annotation.h"
-#include "Places.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
-#include "Verbs/OverVideo.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PixelRegions.h"
+#include "Statistics.h"
+#include "Stopwatch.h"
+#include "Verbs.h"
+#include "VideoVerb.h"
 
 namespace quarry::command {
 namespace {

@@ -1,9 +1,9 @@
-#include "Verbs/PolygonFile.h"
+#include "PolygonFile.h"
 
 #include <cstddef>
 
 #include "Console.h"
-#include "Verbs/JsonFile.h"
+#include "JsonInput.h"
 
 namespace quarry::command {
 

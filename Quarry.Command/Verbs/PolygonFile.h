@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "Places.h"
+#include "PixelRegions.h"
 
 namespace quarry::command {
 

@@ -2,9 +2,9 @@
 #include <memory>
 #include <string>
 
-#include "Verbs/Options.h"
-#include "Verbs/OverPicture.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PictureTransformVerb.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

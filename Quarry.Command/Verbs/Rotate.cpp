@@ -1,9 +1,9 @@
 #include <Quarry/HostOpenCV.hpp>
 #include <memory>
 
-#include "Verbs/Options.h"
-#include "Verbs/OverPicture.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PictureTransformVerb.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -15,14 +15,14 @@
 #include <utility>
 #include <vector>
 
-#include "Archive/Fingerprint.h"
-#include "Archive/Manifest.h"
-#include "Archive/Scanning.h"
 #include "Console.h"
+#include "Fingerprint.h"
+#include "Manifest.h"
+#include "Options.h"
 #include "Progress.h"
-#include "Verbs/Options.h"
-#include "Verbs/SelectedFrames.h"
-#include "Verbs/Verbs.h"
+#include "Scanning.h"
+#include "SelectedFrames.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

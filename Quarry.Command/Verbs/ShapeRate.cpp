@@ -4,10 +4,10 @@
 #include <string>
 
 #include "Console.h"
-#include "Figures.h"
-#include "Verbs/Options.h"
-#include "Verbs/PolygonFile.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PolygonFile.h"
+#include "Statistics.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "Verbs/Options.h"
-#include "Verbs/OverPictures.h"
-#include "Verbs/Verbs.h"
+#include "Options.h"
+#include "PicturesVerb.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "Console.h"
-#include "Verbs/JsonFile.h"
-#include "Verbs/Options.h"
-#include "Verbs/Verbs.h"
+#include "JsonInput.h"
+#include "Options.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 namespace {

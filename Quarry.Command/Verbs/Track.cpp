@@ -4,11 +4,12 @@
 #include <vector>
 
 #include "Annotation.h"
-#include "Timing.h"
+#include "Options.h"
+#include "Statistics.h"
+#include "Stopwatch.h"
 #include "Tracking.h"
-#include "Verbs/Options.h"
-#include "Verbs/OverVideo.h"
-#include "Verbs/Verbs.h"
+#include "Verbs.h"
+#include "VideoVerb.h"
 
 namespace quarry::command {
 namespace {

@@ -5,7 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
-#include "Verbs/FrameByFrame.h"
+#include "FrameAnalyser.h"
 
 namespace quarry::command {
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <vector>
 
 namespace quarry::command {
 
@@ -15,8 +14,5 @@ private:
     using Clock = std::chrono::steady_clock;
     Clock::time_point start = Clock::now();
 };
-
-/// The value that the share `rank` of the values does not exceed: 0.5 is the median. 0 when there are none.
-double Quantile(std::vector<double> values, double rank);
 
 }  // namespace quarry::command

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <opencv2/core.hpp>
+#include <vector>
 
 namespace quarry::command {
 
@@ -17,6 +18,9 @@ struct DifferenceStatistics {
 };
 
 DifferenceStatistics StatisticsOf(const cv::Mat& difference);
+
+/// The value that the share `rank` of the values does not exceed: 0.5 is the median. 0 when there are none.
+double Quantile(std::vector<double> values, double rank);
 
 /// Whether a rate of a ContourRate is one. Shapes of which only one has an area cannot be compared: they are as far
 /// apart as numbers go, and nothing else comes near.

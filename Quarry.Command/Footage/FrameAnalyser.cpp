@@ -1,4 +1,4 @@
-#include "Verbs/FrameByFrame.h"
+#include "FrameAnalyser.h"
 
 namespace quarry::command {
 

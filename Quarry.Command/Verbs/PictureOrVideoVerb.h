@@ -6,7 +6,7 @@
 #include <opencv2/core.hpp>
 #include <string>
 
-#include "Verbs/OverVideo.h"
+#include "VideoVerb.h"
 
 namespace quarry::command {
 

@@ -1,4 +1,4 @@
-#include "Verbs/PictureOrVideo.h"
+#include "PictureOrVideoVerb.h"
 
 #include <Quarry/HostOpenCV.hpp>
 #include <filesystem>
@@ -9,7 +9,7 @@
 #include "Console.h"
 #include "Foreground.h"
 #include "Media.h"
-#include "Verbs/Options.h"
+#include "Options.h"
 
 namespace quarry::command {
 namespace {

@@ -1,4 +1,4 @@
-#include "Verbs/OverVideo.h"
+#include "VideoVerb.h"
 
 #include <cstddef>
 #include <iostream>
@@ -8,8 +8,8 @@
 #include "Console.h"
 #include "Interruption.h"
 #include "Media.h"
+#include "Options.h"
 #include "Progress.h"
-#include "Verbs/Options.h"
 
 namespace quarry::command {
 namespace {

@@ -1,4 +1,4 @@
-#include "Verbs/OverPicture.h"
+#include "PictureTransformVerb.h"
 
 #include <algorithm>
 #include <iostream>
@@ -7,8 +7,8 @@
 
 #include "Console.h"
 #include "Media.h"
-#include "Timing.h"
-#include "Verbs/Options.h"
+#include "Options.h"
+#include "Stopwatch.h"
 
 namespace quarry::command {
 namespace {

@@ -1,4 +1,4 @@
-#include "Verbs/JsonFile.h"
+#include "JsonInput.h"
 
 #include <cmath>
 #include <fstream>

@@ -3,9 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-#include "Verbs/FrameByFrame.h"
-#include "Verbs/SelectedFrames.h"
-#include "Verbs/Verbs.h"
+#include "FrameAnalyser.h"
+#include "SelectedFrames.h"
+#include "Verbs.h"
 
 namespace quarry::command {
 

@@ -1,7 +1,7 @@
-#include "Verbs/Points.h"
+#include "PointLists.h"
 
 #include "Console.h"
-#include "Verbs/Options.h"
+#include "Options.h"
 
 namespace quarry::command {
 namespace {

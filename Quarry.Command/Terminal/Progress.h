@@ -5,7 +5,7 @@
 #include <string>
 #include <thread>
 
-#include "Timing.h"
+#include "Stopwatch.h"
 
 namespace quarry::command {
 

@@ -1,4 +1,4 @@
-#include "Verbs/OverPictures.h"
+#include "PicturesVerb.h"
 
 #include <algorithm>
 #include <iostream>
@@ -6,8 +6,8 @@
 
 #include "Console.h"
 #include "Media.h"
+#include "Options.h"
 #include "Progress.h"
-#include "Verbs/Options.h"
 
 namespace quarry::command {
 namespace {

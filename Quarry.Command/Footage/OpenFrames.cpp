@@ -1,4 +1,4 @@
-#include "FrameSource.h"
+#include "OpenFrames.h"
 
 #include <glob.h>
 

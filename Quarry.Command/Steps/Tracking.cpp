@@ -2,7 +2,7 @@
 
 #include <Quarry/HostOpenCV.hpp>
 
-#include "Timing.h"
+#include "Stopwatch.h"
 
 namespace quarry::command {
 

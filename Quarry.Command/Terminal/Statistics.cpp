@@ -1,4 +1,7 @@
-#include "Figures.h"
+#include "Statistics.h"
+
+#include <algorithm>
+#include <cstddef>
 
 namespace quarry::command {
 
@@ -12,6 +15,13 @@ DifferenceStatistics StatisticsOf(const cv::Mat& difference) {
     cv::reduce(difference.reshape(1, static_cast<int>(difference.total())), most, 1, cv::REDUCE_MAX);
     return {cv::norm(difference, cv::NORM_L1) / (pixels * difference.channels()), cv::countNonZero(most) / pixels,
             static_cast<int>(cv::norm(difference, cv::NORM_INF))};
+}
+
+double Quantile(std::vector<double> values, double rank) {
+    if (values.empty()) return 0;
+    const auto place = static_cast<std::ptrdiff_t>(rank * static_cast<double>(values.size() - 1));
+    std::nth_element(values.begin(), values.begin() + place, values.end());
+    return values[static_cast<std::size_t>(place)];
 }
 
 }  // namespace quarry::command

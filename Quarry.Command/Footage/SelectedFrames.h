@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "FrameAnalyser.h"
 #include "FrameSource.h"
-#include "Verbs/FrameByFrame.h"
 
 namespace quarry::command {
 

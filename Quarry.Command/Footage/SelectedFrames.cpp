@@ -1,4 +1,4 @@
-#include "Verbs/SelectedFrames.h"
+#include "SelectedFrames.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,8 +6,9 @@
 #include <optional>
 #include <system_error>
 
-#include "Ticks.h"
-#include "Verbs/Options.h"
+#include "OpenFrames.h"
+#include "Options.h"
+#include "VideoFrame.h"
 
 namespace quarry::command {
 namespace {

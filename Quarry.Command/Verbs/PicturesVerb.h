@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Verbs/FrameByFrame.h"
+#include "FrameAnalyser.h"
 
 namespace quarry::command {
 

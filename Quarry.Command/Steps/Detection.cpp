@@ -5,8 +5,8 @@
 
 #include "Console.h"
 #include "Media.h"
-#include "Places.h"
-#include "Timing.h"
+#include "PixelRegions.h"
+#include "Stopwatch.h"
 
 namespace quarry::command {
 

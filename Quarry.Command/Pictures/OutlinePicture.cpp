@@ -2,7 +2,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "Places.h"
+#include "PixelRegions.h"
 
 namespace quarry::command {
 namespace {

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "Catalogue/Catalogue.h"
+#include "Catalogue.h"
 
 /// A field of a record; `holds` and the type follow from its declaration.
 #define QUARRY_FIELD(RecordType, field, meaning) \

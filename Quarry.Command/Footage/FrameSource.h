@@ -1,8 +1,6 @@
 #pragma once
 
-#include <memory>
 #include <opencv2/core.hpp>
-#include <string>
 
 namespace quarry::command {
 
@@ -26,10 +24,5 @@ public:
     /// 0 when it is not known.
     virtual int frameCount() const = 0;
 };
-
-/// @param input  a video file, a folder of pictures, a pattern of their names (`shots/*.png`), or a camera's number;
-///               pictures come in the order of their names, 25 to the second
-/// @throws Failure  there is no such thing, or it cannot be read
-std::unique_ptr<FrameSource> OpenFrames(const std::string& input);
 
 }  // namespace quarry::command

@@ -1,4 +1,4 @@
-#include "Places.h"
+#include "PixelRegions.h"
 
 namespace quarry::command {
 
