@@ -5,14 +5,13 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <iostream>
-#include <iterator>
 #include <opencv2/core/utils/logger.hpp>
 #include <string>
 #include <vector>
 
 #include "Console.h"
+#include "NearestNames.h"
 #include "Verbs.h"
 
 namespace quarry::command {
@@ -30,31 +29,15 @@ Exit codes: 0 fine, 1 something failed, 2 wrong usage, 130 interrupted by Ctrl-C
 written until then is complete); `quarry scan --help` tells those of scan. Each error is one
 line on stderr.)";
 
-/// The verb that has nearly the same letters, whatever their order; empty: there is none.
-std::string VerbNear(std::string name, const CLI::App& app) {
-    std::size_t fewest = 3;  // letters that only one of both has: too many
-    std::string near;
-    std::sort(name.begin(), name.end());
-    for (const CLI::App* const verb : app.get_subcommands(nullptr)) {
-        std::string letters = verb->get_name();
-        std::sort(letters.begin(), letters.end());
-        std::string different;
-        std::set_symmetric_difference(name.begin(), name.end(), letters.begin(), letters.end(),
-                                      std::back_inserter(different));
-        if (different.size() >= fewest) continue;
-        fewest = different.size();
-        near = verb->get_name();
-    }
-    return near;
-}
-
 std::string WrongUsage(const CLI::ParseError& error, const CLI::App& app) {
     const std::vector<std::string> unexpected = app.remaining();
     const bool isVerb = app.get_subcommands().empty() && !unexpected.empty() && unexpected[0].rfind('-', 0) != 0;
     if (!isVerb) return error.what();
-    const std::string near = VerbNear(unexpected[0], app);
-    return "there is no verb " + unexpected[0] +
-           (near.empty() ? "; quarry --help lists them" : "; did you mean " + near + "?");
+    std::vector<std::string> near;
+    for (const CLI::App* const verb : app.get_subcommands(nullptr)) {
+        if (IsNear(unexpected[0], verb->get_name())) near.push_back(verb->get_name());
+    }
+    return "there is no verb " + unexpected[0] + (near.empty() ? "; quarry --help lists them" : DidYouMean(near));
 }
 
 int RunChosen(const std::vector<Verb>& verbs) {
@@ -67,10 +50,12 @@ int RunChosen(const std::vector<Verb>& verbs) {
     throw CLI::ParseError("a verb is required; quarry --help lists them", CLI::ExitCodes::RequiredError);
 }
 
-/// Takes the places of standard streams that are closed; a video that is opened there ends when stderr is silenced.
+/// Opens the standard streams that are closed. Otherwise a video that is opened next would get the number of one of
+/// them, and would be closed with it when stderr is silenced.
 void OccupyStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        // The wrong way round: reading and writing fail as before.
+        // The descriptor is opened in the other direction, so that reading from it or writing to it still fails as it
+        // does with a closed one.
         if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
 }
@@ -82,12 +67,7 @@ int Main(int argc, char** argv) {
     app.set_version_flag("--version", "quarry " QUARRY_VERSION);
     app.require_subcommand(0, 1);
     app.footer(kFooter);
-    const std::vector<Verb> verbs = {AddSharpness(app),  AddDiff(app),     AddSimilarity(app), AddDenoise(app),
-                                     AddBackground(app), AddTrack(app),    AddFlow(app),       AddContours(app),
-                                     AddOccupancy(app),  AddClusters(app), AddInside(app),     AddShapeRate(app),
-                                     AddRect(app),       AddClothing(app), AddDetect(app),     AddPeople(app),
-                                     AddColours(app),    AddFire(app),     AddAlign(app),      AddRotate(app),
-                                     AddScan(app),       AddMerge(app),    AddList(app),       AddDescribe(app)};
+    const std::vector<Verb> verbs = AddVerbs(app);
     try {
         app.parse(argc, argv);
         return RunChosen(verbs);
@@ -105,7 +85,7 @@ int Main(int argc, char** argv) {
 }  // namespace
 }  // namespace quarry::command
 
-// What escapes is a lack of memory for the command line or for the error line itself: ending is all that is left.
+// Only a lack of memory for the command line or for the error line itself escapes, and then the command must end.
 // NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
     return quarry::command::Main(argc, argv);

@@ -1,5 +1,5 @@
 # The table of operations (include/Quarry/Operations.h) as lists, one for each column that a build needs, in the table's
-# order: QUARRY_OPERATION_NAMES, _FACTORIES, _HANDLES and _SOURCES.
+# order: QUARRY_OPERATION_NAMES, _FACTORIES, _HANDLES, _SOURCES, and _VERBS, of which each is listed once.
 set(table "${PROJECT_SOURCE_DIR}/include/Quarry/Operations.h")
 set_property(DIRECTORY "${PROJECT_SOURCE_DIR}" APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${table}")
 file(READ "${table}" rows)
@@ -13,11 +13,15 @@ foreach(row IN LISTS rows)
   list(GET row 1 factory)
   list(GET row 6 handle)
   list(GET row 7 source)
+  list(GET row 8 verb)
   list(APPEND QUARRY_OPERATION_NAMES ${name})
   list(APPEND QUARRY_OPERATION_FACTORIES ${factory})
   list(APPEND QUARRY_OPERATION_HANDLES ${handle})
   list(APPEND QUARRY_OPERATION_SOURCES ${source})
+  string(REPLACE "\"" "" verb ${verb})
+  list(APPEND QUARRY_OPERATION_VERBS ${verb})
 endforeach()
+list(REMOVE_DUPLICATES QUARRY_OPERATION_VERBS)
 if(NOT QUARRY_OPERATION_NAMES)
   message(FATAL_ERROR "${table}: no rows could be read")
 endif()

@@ -1,6 +1,7 @@
 #include "Fingerprint.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <openssl/evp.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,16 +20,16 @@ namespace quarry::command {
 namespace {
 
 /// A file that is open for reading.
-class Reading {
+class OpenFile {
 public:
-    // Without O_NONBLOCK a pipe of that name would be waited for.
-    explicit Reading(const std::filesystem::path& path_)
+    // Without O_NONBLOCK the call would wait until somebody writes to it when the file is a pipe.
+    explicit OpenFile(const std::filesystem::path& path_)
         : path(path_), file(open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         if (file < 0) Refuse();
     }
-    Reading(const Reading&) = delete;
-    Reading& operator=(const Reading&) = delete;
-    ~Reading() { close(file); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    ~OpenFile() { close(file); }
 
     bool IsFile() const {
         struct stat status {};
@@ -61,7 +62,7 @@ void Check(int succeeded) {
 }  // namespace
 
 Fingerprint FingerprintOf(const std::filesystem::path& path) {
-    const Reading file(path);
+    const OpenFile file(path);
     if (!file.IsFile()) throw Failure(path.string() + ": not a file");
     const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
     if (!context) throw std::bad_alloc();
@@ -75,10 +76,7 @@ Fingerprint FingerprintOf(const std::filesystem::path& path) {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
     unsigned int length = 0;
     Check(EVP_DigestFinal_ex(context.get(), digest.data(), &length));
-    for (unsigned int i = 0; i < length; ++i) {
-        constexpr const char* kDigits = "0123456789abcdef";
-        fingerprint.sha256 += {kDigits[digest[i] >> 4], kDigits[digest[i] & 15]};
-    }
+    for (unsigned int i = 0; i < length; ++i) fingerprint.sha256 += fmt::format("{:02x}", digest[i]);
     return fingerprint;
 }
 

@@ -13,7 +13,7 @@
 #include <system_error>
 
 #include "Console.h"
-#include "Options.h"
+#include "JsonLine.h"
 
 namespace quarry::command {
 namespace {
@@ -52,7 +52,7 @@ fs::path OutputOf(const std::string& name) {
 std::vector<std::string> NamesBelow(const fs::path& folder) try {
     std::vector<std::string> names;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-        std::error_code ignored;  // a link that leads nowhere is a video that cannot be read
+        std::error_code ignored;  // a link that leads nowhere stays in the list, as a video that cannot be read
         if (IsNamedAsVideo(entry.path()) && !entry.is_directory(ignored)) {
             names.push_back(entry.path().lexically_relative(folder).string());
         }
@@ -79,7 +79,8 @@ std::vector<ArchivedVideo> ReadManifest(const std::string& manifest) {
     fs::path base;
     if (manifest == "-") {
         names = NamesIn(std::cin, "standard input");
-        if (std::ferror(stdin) != 0) throw Failure("standard input: cannot be read in full");  // std::cin does not tell
+        if (std::ferror(stdin) != 0)
+            throw Failure("standard input: cannot be read in full");  // std::cin does not report it
     } else if (fs::is_directory(manifest)) {
         base = manifest;
         names = NamesBelow(base);

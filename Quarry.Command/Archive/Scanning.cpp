@@ -10,7 +10,7 @@
 
 #include "Console.h"
 #include "Fingerprint.h"
-#include "Options.h"
+#include "JsonLine.h"
 #include "VideoLines.h"
 
 namespace quarry::command {
@@ -18,13 +18,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What keeps a video from being played to its end, now and whenever it is tried again.
+/// A video cannot be played to its end, now and whenever it is tried again.
 class BadVideo : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Takes a step in which all that is refused is the video's fault.
+/// Calls a function whose errors are all the video's fault, and turns them into BadVideo.
 template <typename Step>
 auto OfTheVideo(Step step) try {
     return step();
@@ -39,35 +39,35 @@ auto OfTheVideo(Step step) try {
     throw BadVideo(refused.err);
 }
 
-/// The message without the path that it begins with, which is another one on the next machine.
+/// The message without the path at its beginning, because the path differs between machines.
 std::string Reason(const std::string& message, const fs::path& path) {
     const std::string begin = path.string() + ": ";
     return message.rfind(begin, 0) == 0 ? message.substr(begin.size()) : message;
 }
 
-std::string LineOf(const VideoFrame& frame, const FrameByFrame& verb) {
-    nlohmann::ordered_json object = ObjectOf(frame, verb);
-    object.erase("milliseconds");  // all else is the same each time
+std::string LineOf(const VideoFrame& frame, const FrameAnalyser& analyser) {
+    nlohmann::ordered_json object = ObjectOf(frame, analyser);
+    object.erase("milliseconds");  // all other values are the same in each run
     return JsonLine(object);
 }
 
 struct Played {
-    std::string error;  ///< empty: none
-    bool isWhole;       ///< as many frames came as the video declares
+    std::string error;  ///< empty when there was none
+    bool isWhole;       ///< as many frames were read as the video declares
 };
 
 Played Play(const ArchivedVideo& video, const Scanning& scanning, VideoLines& lines) {
-    const std::unique_ptr<FrameByFrame> verb = scanning.begin();
+    const std::unique_ptr<FrameAnalyser> analyser = scanning.makeAnalyser();
     try {
         SelectedFrames frames = OfTheVideo([&] { return SelectedFrames(video.path.string(), scanning.frames); });
         VideoFrame frame{};
         const auto take = [&] {
             if (!frames.Next(frame)) return false;
-            verb->Take(frame);
+            analyser->Analyse(frame);
             return true;
         };
         int taken = 0;
-        for (; OfTheVideo(take); ++taken) lines.Write(LineOf(frame, *verb));
+        for (; OfTheVideo(take); ++taken) lines.Write(LineOf(frame, *analyser));
         if (taken > 0) return {"", taken >= frames.expected()};
         throw BadVideo(scanning.frames.first > 0 ? "holds no frames there" : "holds no frames");
     } catch (const BadVideo& bad) {
@@ -84,7 +84,7 @@ std::string HeadOf(const ArchivedVideo& video, const Scanning& scanning, const F
                      {"sha256", fingerprint.sha256}});
 }
 
-/// The lowest time where there is none.
+/// The time of the last change, or the lowest possible time when it cannot be read.
 fs::file_time_type TimeOf(const fs::path& path) {
     std::error_code ignored;
     return fs::last_write_time(path, ignored);
@@ -102,7 +102,8 @@ Scanned TryToScan(const ArchivedVideo& video, const Scanning& scanning) {
     fs::create_directories(output.parent_path());
     VideoLines lines(output, head);
     const Played played = Play(video, scanning, lines);
-    // Decoders do not tell a video that ends early from one that cannot be read just now.
+    // A decoder reports a video that ends early and an error in reading it in the same way, so that only the same
+    // contents before and after show that the video is what was analysed.
     const bool isCertain = played.isWhole && TimeOf(video.path) == changed;
     if (!isCertain && !(FingerprintOf(video.path) == fingerprint)) throw Failure("was changed while it was read");
     lines.Finish(played.error);

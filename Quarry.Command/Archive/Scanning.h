@@ -10,33 +10,33 @@
 
 namespace quarry::command {
 
-/// What is done with each video of an archive.
+/// The analysis that each video of an archive gets.
 struct Scanning {
     std::string operation;
-    nlohmann::ordered_json options;  ///< all that the results depend on
-    Beginning begin;
+    nlohmann::ordered_json options;  ///< all options that the results depend on
+    FrameAnalyserFactory makeAnalyser;
     FrameRange frames;
-    std::filesystem::path out;  ///< folder of all outputs
+    std::filesystem::path out;  ///< folder for the lines of all videos
 };
 
-/// What becomes of a video.
+/// The result of the scan of one video.
 enum class Outcome {
     Done,
-    Skipped,  ///< its lines were there
-    Bad,      ///< its lines say why: it will be no other when it is tried again
-    Failed,   ///< something could not be read or written, or memory ran out
-    Bug,      ///< something that nobody expects
+    Skipped,  ///< its lines were there already
+    Bad,      ///< it cannot be played, now and whenever it is tried again; its lines say why
+    Failed,   ///< something could not be read or written, or memory ran out; another try may succeed
+    Bug,      ///< an error in the command itself
 };
 
 struct Scanned {
     Outcome outcome;
-    std::string trouble;  ///< of one that is neither done nor skipped
+    std::string trouble;  ///< why it was bad or failed; empty when it was done or skipped
 };
 
-/// Writes the lines of a video, unless they are there. All that is wrong is in the result.
+/// Writes the lines of a video, unless they are there already. It does not throw: the result says what went wrong.
 Scanned Scan(const ArchivedVideo& video, const Scanning& scanning);
 
-/// What the exception being handled means, Failed or Bug; call it inside a `catch`.
+/// The outcome, Failed or Bug, that the exception being handled means. Call it inside a `catch`.
 Outcome CurrentOutcome();
 
 }  // namespace quarry::command

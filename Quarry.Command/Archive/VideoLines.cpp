@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "Console.h"
-#include "Options.h"
+#include "JsonLine.h"
 
 namespace quarry::command {
 
@@ -34,13 +34,14 @@ void VideoLines::Finish(const std::string& error) {
 
 std::optional<FinishedLines> ReadFinished(const std::filesystem::path& path) {
     std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) return std::nullopt;  // a pipe would be waited for
+    if (!std::filesystem::is_regular_file(path, ignored))
+        return std::nullopt;  // opening a pipe would wait for a writer
     std::ifstream stream(path, std::ios::binary);
     FinishedLines lines;
     std::string last;
     std::size_t count = 0;
     for (std::string line; std::getline(stream, line); last.swap(line)) {
-        if (stream.eof()) return std::nullopt;  // its end is missing
+        if (stream.eof()) return std::nullopt;  // the last line has no end, so the file is not complete
         if (count++ == 0) lines.head = line + "\n";
     }
     using Json = nlohmann::json;

@@ -10,19 +10,20 @@
 
 namespace quarry::command {
 
-/// The lines of a video while they are written: the first says what they depend on, the last one how many frames there
-/// were. The file appears when they are complete.
+/// Writes the lines of a video. The first says what the others depend on, the last how many frames there were. The file
+/// appears when it is complete.
 class VideoLines {
 public:
     /// @param head  the first line
     /// @throws Failure  nothing can be written there
     VideoLines(const std::filesystem::path& path, const std::string& head);
 
-    /// The line of a frame.
+    /// Writes the line of a frame.
     /// @throws Failure  it cannot be written
     void Write(const std::string& line);
 
-    /// @param error  why the video is bad; empty: it is not
+    /// Writes the last line and gives the file its name.
+    /// @param error  why the video is bad; empty when it is not
     /// @throws Failure  it cannot be written
     void Finish(const std::string& error);
 
@@ -35,13 +36,13 @@ private:
     int frames = 0;
 };
 
-/// What a file with all lines of a video says but for the frames.
+/// The first line of a file with all lines of a video, and the error in its last line.
 struct FinishedLines {
-    std::string head;   ///< the first line, with its end
-    std::string error;  ///< empty: none
+    std::string head;   ///< the first line, with its line end
+    std::string error;  ///< empty when there is none
 };
 
-/// @return nothing where the file is not there or has not all lines
+/// @return nothing when there is no such file or it does not have all lines
 std::optional<FinishedLines> ReadFinished(const std::filesystem::path& path);
 
 }  // namespace quarry::command

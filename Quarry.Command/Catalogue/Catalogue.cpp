@@ -3,11 +3,9 @@
 #include <Quarry/Operations.h>
 
 #include <algorithm>
-#include <cctype>
-#include <iterator>
-#include <numeric>
 
-#include "Describing.h"
+#include "NearestNames.h"
+#include "OperationText.h"
 
 namespace quarry::command {
 
@@ -15,18 +13,18 @@ namespace quarry::command {
 
 namespace {
 
-/// "ContourGrid" as "contour-grid".
-std::string WithHyphens(const std::string& publicName) {
-    std::string name;
-    for (const char c : publicName) {
-        const bool isCapital = std::isupper(static_cast<unsigned char>(c)) != 0;
-        if (isCapital && !name.empty()) name += '-';
-        name += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+/// MosseTracker becomes mosse-tracker.
+std::string WithHyphens(const std::string& name) {
+    std::string words;
+    for (const char letter : name) {
+        const bool isCapital = letter >= 'A' && letter <= 'Z';
+        if (isCapital && !words.empty()) words += '-';
+        words += isCapital ? static_cast<char>(letter - 'A' + 'a') : letter;
     }
-    return name;
+    return words;
 }
 
-/// What every operation of a kind refuses, before what the operation itself refuses.
+/// What every operation of a kind refuses, then what the operation itself refuses.
 std::vector<Error> ErrorsOf(Kind kind, const std::vector<Error>& own) {
     std::vector<Error> errors = {
         {"MarshalingException", "a record's length word or tag is wrong; nothing has changed then"}};
@@ -37,41 +35,25 @@ std::vector<Error> ErrorsOf(Kind kind, const std::vector<Error>& own) {
     return errors;
 }
 
-Operation Entry(const std::string& publicName, Kind kind, const char* factory, const char* verb,
-                const OperationText& text, const Record& options, const Record& input, const Record& result) {
-    return {WithHyphens(publicName),    text.summary, kind, factory, verb, text.method, options, input, result,
+template <class Options, class Input, class Result>
+Operation OperationOf(const char* name, const char* factory, Kind kind, const char* verb, const OperationText& text) {
+    return {WithHyphens(name),
+            text.summary,
+            kind,
+            factory,
+            verb,
+            text.method,
+            RecordOf<Options>(),
+            RecordOf<Input>(),
+            RecordOf<Result>(),
             ErrorsOf(kind, text.errors)};
 }
 
 std::vector<Operation> AllOperations() {
-#define QUARRY_ENTRY(Name, Factory, Options, Input, Result, Kind_, Handle, Source, Verb)                 \
-    Entry(#Name, Kind::Kind_, #Factory, Verb, TextOf##Factory(), RecordOf<Options>(), RecordOf<Input>(), \
-          RecordOf<Result>()),
-    return {QUARRY_OPERATIONS(QUARRY_ENTRY)};
-#undef QUARRY_ENTRY
-}
-
-/// How many letters must be put in, left out or replaced to make one word of the other.
-std::size_t EditDistance(const std::string& a, const std::string& b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (const char letter : a) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (letter == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-        }
-    }
-    return row.back();
-}
-
-bool IsNear(const std::string& name, const Operation& operation) {
-    constexpr std::size_t kTypingErrors = 3;
-    constexpr std::size_t kShortest = 3;  // shorter ones are part of almost any name
-    const std::string candidate = operation.name;
-    return name == operation.verb || EditDistance(name, candidate) <= kTypingErrors ||
-           (name.size() >= kShortest && candidate.find(name) != std::string::npos);
+#define QUARRY_OPERATION_OF(Name, Factory, Options, Input, Result, OperationKind, Handle, Source, Verb) \
+    OperationOf<Options, Input, Result>(#Name, #Factory, Kind::OperationKind, Verb, TextOf##Factory()),
+    return {QUARRY_OPERATIONS(QUARRY_OPERATION_OF)};
+#undef QUARRY_OPERATION_OF
 }
 
 void AddSharedRecordsOf(const Record& record, std::vector<const Record*>& shared) {
@@ -99,7 +81,7 @@ const Operation* FindOperation(const std::string& name) {
 std::vector<std::string> NamesNear(const std::string& name) {
     std::vector<std::string> near;
     for (const Operation& operation : Catalogue()) {
-        if (IsNear(name, operation)) near.emplace_back(operation.name);
+        if (name == operation.verb || IsNear(name, operation.name)) near.push_back(operation.name);
     }
     return near;
 }

@@ -1,5 +1,5 @@
 /// @file
-/// What the library offers: its operations, with every field of their records.
+/// The operations of the library, with every field of their records.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ struct Field {
     std::size_t offset;   ///< bytes from the record's beginning
     std::size_t size;     ///< bytes
     const char* meaning;  ///< with unit and range
-    const Record* holds;  ///< the shared record that it is, points at or counts several of; null otherwise
+    const Record* holds;  ///< the record that it is, points at or has an array of; null when there is none
 };
 
 struct Record {
@@ -30,33 +30,34 @@ struct Record {
 enum class Kind { Processor, Updater };
 
 struct Error {
-    const char* exception;  ///< its type, or "abort" where the process ends
+    const char* exception;  ///< its type, or "abort" when the process ends
     const char* when;
 };
 
 struct Operation {
-    std::string name;  ///< the public name in words with hyphens: "contour-grid"
+    std::string name;  ///< the public name in words with hyphens: mosse-tracker
     const char* summary;
     Kind kind;
     const char* factory;
-    const char* verb;    ///< of the command, that shows it
-    const char* method;  ///< authors and year of what it follows; empty: plain arithmetic
+    std::string verb;    ///< the verb of the command that runs it
+    const char* method;  ///< authors and year of the method; empty when it is plain arithmetic
     Record options;
     Record input;
     Record result;
     std::vector<Error> errors;
 };
 
-/// All operations, related ones together.
+/// All operations, in the order of the table of operations.
 const std::vector<Operation>& Catalogue();
 
-/// @return null: there is none of that name
+/// @return null when there is no operation of that name
 const Operation* FindOperation(const std::string& name);
 
-/// The names that someone may have meant: misspelt, shortened, or given as a verb.
+/// The operations that somebody may have meant by an unknown name: similar ones, and those that the verb of that name
+/// runs.
 std::vector<std::string> NamesNear(const std::string& name);
 
-/// The records that an operation's records are built from, each once, in the order in which they are met.
+/// The records that are fields of an operation's records, or of each other. Each is listed once.
 std::vector<const Record*> SharedRecordsOf(const Operation& operation);
 
 }  // namespace quarry::command

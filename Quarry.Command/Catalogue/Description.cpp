@@ -1,6 +1,7 @@
 #include "Description.h"
 
 #include <Quarry/Framing.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -8,12 +9,10 @@
 #include <cstdint>
 #include <string_view>
 
-#include "Options.h"
-
 namespace quarry::command {
 namespace {
 
-/// A record in the part that it plays for an operation.
+/// One of the three records of an operation.
 struct Part {
     const char* role;
     const Record* record;
@@ -31,7 +30,7 @@ const char* CallsOf(Kind kind) {
 }
 
 std::string TagText(uint32_t tag) {
-    return Format("0x%08X", tag);
+    return fmt::format("0x{:08X}", tag);
 }
 
 std::string Capitalized(std::string text) {
@@ -39,19 +38,19 @@ std::string Capitalized(std::string text) {
     return text;
 }
 
-int Widest(const Record& record, std::string_view (*column)(const Field&)) {
+std::size_t Widest(const Record& record, std::string_view (*column)(const Field&)) {
     std::size_t widest = 0;
     for (const Field& field : record.fields) widest = std::max(widest, column(field).size());
-    return static_cast<int>(widest);
+    return widest;
 }
 
 std::string FieldsAsText(const Record& record) {
-    const int names = Widest(record, [](const Field& field) { return std::string_view(field.name); });
-    const int types = Widest(record, [](const Field& field) { return std::string_view(field.type); });
-    std::string text = Format("  offset  size  %-*s  %-*s  meaning\n", names, "field", types, "type");
+    const std::size_t names = Widest(record, [](const Field& field) { return std::string_view(field.name); });
+    const std::size_t types = Widest(record, [](const Field& field) { return std::string_view(field.type); });
+    std::string text = fmt::format("  offset  size  {:<{}}  {:<{}}  meaning\n", "field", names, "type", types);
     for (const Field& field : record.fields) {
-        text += Format("  %6zu  %4zu  %-*s  %-*s  %s\n", field.offset, field.size, names, field.name, types,
-                       field.type.c_str(), field.meaning);
+        text += fmt::format("  {:6}  {:4}  {:<{}}  {:<{}}  {}\n", field.offset, field.size, field.name, names,
+                            field.type, types, field.meaning);
     }
     return text;
 }
@@ -61,12 +60,12 @@ std::string ErrorsAsText(const Operation& operation) {
     for (const Error& error : operation.errors) widest = std::max(widest, std::string_view(error.exception).size());
     std::string text = "\nErrors\n";
     for (const Error& error : operation.errors) {
-        text += Format("  %-*s  %s\n", static_cast<int>(widest), error.exception, error.when);
+        text += fmt::format("  {:<{}}  {}\n", error.exception, widest, error.when);
     }
     return text;
 }
 
-/// Inside a table a bar would end the cell, and stars would be taken for emphasis.
+/// Escapes bars, which would end a cell of a table, and stars, which would be read as emphasis.
 std::string Escaped(std::string_view text) {
     std::string escaped;
     for (const char c : text) {
@@ -83,7 +82,7 @@ std::string Code(std::string_view text) {
 std::string FieldsAsMarkdown(const Record& record) {
     std::string text = "\n| Offset | Size | Field | Type | Meaning |\n|---:|---:|---|---|---|\n";
     for (const Field& field : record.fields) {
-        text += Format("| %zu | %zu | ", field.offset, field.size) + Code(field.name) + " | " + Code(field.type) +
+        text += fmt::format("| {} | {} | ", field.offset, field.size) + Code(field.name) + " | " + Code(field.type) +
                 " | " + Escaped(field.meaning) + " |\n";
     }
     return text;
@@ -97,7 +96,7 @@ std::string FactsAsMarkdown(const Operation& operation) {
     std::string text = "\n| | |\n|---|---|\n";
     text += "| Kind | " + std::string(NameOf(operation.kind)) + ": " + CallsOf(operation.kind) + " |\n";
     text += "| Factory | " + Code(operation.factory) + " |\n";
-    text += "| Command | " + Code(std::string("quarry ") + operation.verb) + " |\n";
+    text += "| Command | " + Code("quarry " + operation.verb) + " |\n";
     if (*operation.method != '\0') text += "| Method | " + Escaped(operation.method) + " |\n";
     return text;
 }
@@ -130,17 +129,17 @@ const char* NameOf(Kind kind) {
 
 std::string TextOf(const Operation& operation) {
     std::string text = operation.name + "\n" + operation.summary + "\n\n";
-    text += Format("  kind     %s: %s\n  factory  %s\n  command  quarry %s\n", NameOf(operation.kind),
-                   CallsOf(operation.kind), operation.factory, operation.verb);
-    if (*operation.method != '\0') text += Format("  method   %s\n", operation.method);
+    text += fmt::format("  kind     {}: {}\n  factory  {}\n  command  quarry {}\n", NameOf(operation.kind),
+                        CallsOf(operation.kind), operation.factory, operation.verb);
+    if (*operation.method != '\0') text += fmt::format("  method   {}\n", operation.method);
     for (const Part& part : PartsOf(operation)) {
-        text += Format("\n%s: %s, %zu bytes, tag %s\n  %s\n\n", Capitalized(part.role).c_str(), part.record->name,
-                       part.record->length, TagText(part.tag).c_str(), part.record->meaning);
+        text += fmt::format("\n{}: {}, {} bytes, tag {}\n  {}\n\n", Capitalized(part.role), part.record->name,
+                            part.record->length, TagText(part.tag), part.record->meaning);
         text += FieldsAsText(*part.record);
     }
     text += ErrorsAsText(operation);
     for (const Record* record : SharedRecordsOf(operation)) {
-        text += Format("\n%s, %zu bytes\n  %s\n\n", record->name, record->length, record->meaning);
+        text += fmt::format("\n{}, {} bytes\n  {}\n\n", record->name, record->length, record->meaning);
         text += FieldsAsText(*record);
     }
     return text;
@@ -151,14 +150,14 @@ std::string MarkdownOf(const Operation& operation) {
     text += FactsAsMarkdown(operation);
     for (const Part& part : PartsOf(operation)) {
         text += "\n## " + Capitalized(part.role) + ": " + Code(part.record->name) +
-                Format(", %zu bytes, tag %s\n", part.record->length, TagText(part.tag).c_str());
+                fmt::format(", {} bytes, tag {}\n", part.record->length, TagText(part.tag));
         text += RecordAsMarkdown(*part.record);
     }
     text += ErrorsAsMarkdown(operation);
     const std::vector<const Record*> shared = SharedRecordsOf(operation);
     if (!shared.empty()) text += "\n## Records inside these\n";
     for (const Record* record : shared) {
-        text += "\n### " + Code(record->name) + Format(", %zu bytes\n", record->length) + RecordAsMarkdown(*record);
+        text += "\n### " + Code(record->name) + fmt::format(", {} bytes\n", record->length) + RecordAsMarkdown(*record);
     }
     return text;
 }

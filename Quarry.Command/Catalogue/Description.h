@@ -1,5 +1,5 @@
 /// @file
-/// An operation of the catalogue, written out.
+/// Describes an operation of the catalogue in several formats.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -12,13 +12,13 @@ namespace quarry::command {
 /// "processor" or "updater".
 const char* NameOf(Kind kind);
 
-/// For a terminal.
+/// Plain text for a terminal.
 std::string TextOf(const Operation& operation);
 
-/// A page that begins with a heading of the first level.
+/// A page in Markdown that begins with a heading of the first level.
 std::string MarkdownOf(const Operation& operation);
 
-/// For programs: a host in another language can lay out its records by it.
+/// JSON for programs, by which a host in another language can lay out its records.
 nlohmann::ordered_json JsonOf(const Operation& operation);
 
 }  // namespace quarry::command

@@ -1,6 +1,6 @@
 /// @file
-/// How the catalogue lays out records. Offsets, sizes and types are the compiler's own, so that a description cannot
-/// differ from the record.
+/// How the catalogue lays out what describe.py takes from the public headers. Offsets, sizes and types of fields come
+/// from the compiler, so that a description cannot differ from the record.
 #pragma once
 
 #include <Quarry/Quarry.h>
@@ -13,7 +13,7 @@
 
 #include "Catalogue.h"
 
-/// A field of a record; `holds` and the type follow from its declaration.
+/// A field of a record. Its type and the record that it holds follow from its declaration.
 #define QUARRY_FIELD(RecordType, field, meaning) \
     ::quarry::command::FieldOf<decltype(RecordType::field)>(#field, offsetof(RecordType, field), meaning)
 
@@ -23,11 +23,18 @@
 
 namespace quarry::command {
 
+/// What the comment of a factory says.
+struct OperationText {
+    const char* summary;
+    const char* method;  ///< authors and year of the method; empty when it is plain arithmetic
+    std::vector<Error> errors;
+};
+
 /// The description of a record of the public headers; there is one for each of them.
 template <class RecordType>
 const Record& RecordOf();
 
-/// What is left of a type without pointers, arrays and qualifiers.
+/// A type without its pointers, arrays and qualifiers.
 template <class T>
 using Bare = std::remove_cv_t<std::remove_pointer_t<std::remove_all_extents_t<T>>>;
 
@@ -68,7 +75,7 @@ std::string TypeName() {
 
 template <class T>
 Field FieldOf(const char* name, std::size_t offset, const char* meaning) {
-    // NOLINTNEXTLINE(bugprone-sizeof-expression): of a pointer its own size is meant
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): for a pointer, the size of the pointer is meant
     return {name, TypeName<T>(), offset, sizeof(T), meaning, HeldBy<T>()};
 }
 
@@ -76,12 +83,5 @@ template <class T>
 Record LaidOut(const char* name, const char* meaning, std::vector<Field> fields) {
     return {name, meaning, sizeof(T), std::move(fields)};
 }
-
-/// What the comment of a factory says.
-struct OperationText {
-    const char* summary;
-    const char* method;
-    std::vector<Error> errors;
-};
 
 }  // namespace quarry::command

@@ -1,61 +1,44 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
 #include <string>
 
+#include "VideoFrame.h"
+
 namespace quarry::command {
 
-/// A frame of a video, or a picture, which is a frame without a time.
-struct VideoFrame {
-    int index;
-    double seconds;
-    uint64_t timestamp;  ///< ticks of 100 ns; 0: a picture
-    cv::Mat pixels;      ///< 8-bit B, G, R, rows packed
-};
-
-/// What a verb makes of a video or of pictures: it takes one frame after the other and is asked about the last one.
-class FrameByFrame {
+/// Analyses the frames of a video, or pictures, one after the other. All other functions are about the last frame, but
+/// for Summary.
+class FrameAnalyser {
 public:
-    FrameByFrame() = default;
-    FrameByFrame(const FrameByFrame&) = delete;
-    FrameByFrame& operator=(const FrameByFrame&) = delete;
-    virtual ~FrameByFrame() = default;
+    FrameAnalyser() = default;
+    FrameAnalyser(const FrameAnalyser&) = delete;
+    FrameAnalyser& operator=(const FrameAnalyser&) = delete;
+    virtual ~FrameAnalyser() = default;
 
-    virtual void Take(const VideoFrame& frame) = 0;
+    virtual void Analyse(const VideoFrame& frame) = 0;
 
-    /// The columns of the table, without those of the frame.
+    /// The column heads of the table, without those that say which frame it is.
     virtual std::string TableHead() const = 0;
     virtual std::string TableRow() const = 0;
-    /// The fields of the JSON object, without those of the frame.
+    /// The members of the JSON object, without those that say which frame it is.
     virtual nlohmann::ordered_json Fields() const = 0;
-    /// Asked only of verbs that have --out. Width and height are even for videos, as their codecs want them.
+    /// The frame with the result drawn into it. It is called only for verbs with --out. For videos width and height are
+    /// even, because their codec requires it.
     virtual cv::Mat Annotated() const { return {}; }
-    /// What the table of a video ends with, without the number of frames.
+    /// The end of the last line of a video's table, which begins with the number of frames.
     virtual std::string Summary() const { return {}; }
 };
 
-/// Makes what takes the frames of one video, by the options that were parsed.
+/// Makes the analyser of one video, with the options that were parsed.
 /// @throws CLI::ValidationError  the options contradict each other
 /// @throws Failure               a file that they name cannot be used
-using Beginning = std::function<std::unique_ptr<FrameByFrame>()>;
+using FrameAnalyserFactory = std::function<std::unique_ptr<FrameAnalyser>()>;
 
-/// What can be done with frames: by a verb of its own, and over many videos by the verb `scan`.
-struct FrameOperation {
-    std::string name;
-    std::string description;
-    /// Adds the options that its fields depend on.
-    std::function<Beginning(CLI::App&)> addOptions;
-};
-
-/// The operation's verb, without any options.
-CLI::App* AddCommand(CLI::App& commandLine, const FrameOperation& operation, const std::string& footer);
-
-/// The JSON object of a frame that was taken.
-nlohmann::ordered_json ObjectOf(const VideoFrame& frame, const FrameByFrame& verb);
+/// The JSON object of the frame that was analysed last.
+nlohmann::ordered_json ObjectOf(const VideoFrame& frame, const FrameAnalyser& analyser);
 
 }  // namespace quarry::command

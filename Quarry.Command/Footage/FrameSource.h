@@ -12,16 +12,16 @@ public:
     FrameSource& operator=(const FrameSource&) = delete;
     virtual ~FrameSource() = default;
 
-    /// The next frame, 8-bit B, G, R with packed rows.
+    /// Reads the next frame, 8-bit B, G, R with packed rows.
     /// @return false after the last frame
     virtual bool Read(cv::Mat& frame) = 0;
 
-    /// Passes over the next frame.
+    /// Skips the next frame.
     /// @return false after the last frame
     virtual bool Skip() = 0;
 
     virtual double framesPerSecond() const = 0;
-    /// 0 when it is not known.
+    /// 0 when the number is unknown.
     virtual int frameCount() const = 0;
 };
 

@@ -12,7 +12,8 @@ namespace {
 
 constexpr double kHighestRate = 10'000;
 
-/// The readers of files only: left to itself, OpenCV goes on to look for cameras and numbered pictures.
+/// Opens the file with the backends that read files only. By itself OpenCV would go on to try cameras and numbered
+/// pictures.
 bool Open(cv::VideoCapture& capture, const std::filesystem::path& path) {
     return capture.open(path.string(), cv::CAP_FFMPEG) || capture.open(path.string(), cv::CAP_OPENCV_MJPEG);
 }
@@ -59,16 +60,16 @@ VideoReader::VideoReader(const std::filesystem::path& path) {
     CheckIsFile(path);
     const SilencedStderr silence;
     if (!Open(capture, path)) throw Failure(path.string() + ": not a video that can be read");
-    TakeOver();
+    ReadProperties();
 }
 
 VideoReader::VideoReader(int camera) {
     const SilencedStderr silence;
     if (!capture.open(camera)) throw Failure(std::to_string(camera) + ": no such file, and no camera of that number");
-    TakeOver();
+    ReadProperties();
 }
 
-void VideoReader::TakeOver() {
+void VideoReader::ReadProperties() {
     rate = capture.get(cv::CAP_PROP_FPS);
     if (!(rate > 0 && rate <= kHighestRate)) rate = kUsualRate;
     count = DeclaredFrames(capture);
@@ -102,7 +103,7 @@ void VideoFile::Write(const cv::Mat& frame) {
 void VideoFile::Finish() {
     const SilencedStderr silence;
     writer.release();
-    // Writers do not report a full disk: what they wrote is counted instead.
+    // The writer does not report a full disk, so the frames in the file are counted instead.
     cv::VideoCapture capture;
     if (!Open(capture, file.temporary()) || DeclaredFrames(capture) != written) {
         throw Failure(path.string() + ": the video could not be written in full");

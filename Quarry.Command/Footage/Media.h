@@ -1,5 +1,5 @@
 /// @file
-/// Pictures and videos, read and written with one-line failures that name the file.
+/// Reads and writes pictures and videos. What fails gives a one-line message that names the file.
 #pragma once
 
 #include <filesystem>
@@ -12,24 +12,25 @@
 
 namespace quarry::command {
 
-/// @throws Failure  there is no such file
+/// @throws Failure  nothing of that name exists, or it is a folder
 void CheckIsFile(const std::filesystem::path& path);
 
-/// Whether it is a picture rather than a video, by its content, or by its name where its content tells nothing.
+/// Whether a file is a picture rather than a video, by the ending of its name or by its content.
 bool IsPicture(const std::filesystem::path& path);
 
-/// An 8-bit B, G, R picture, rows packed.
+/// Reads a picture as 8-bit B, G, R with packed rows.
 /// @throws Failure  there is no such file or it is not a picture
 cv::Mat ReadPicture(const std::filesystem::path& path);
 
 /// A picture that appears under its name when it is complete.
 class PictureFile {
 public:
-    /// @param path  ends as the pictures of its kind do
+    /// @param path  ends in `.png` or `.jpg`, which decides the format
     /// @throws Failure  nothing can be written there
     explicit PictureFile(const std::filesystem::path& path);
 
-    /// Once.
+    /// Writes the picture. Call it once.
+    /// @throws Failure  it cannot be written
     void Write(const cv::Mat& picture);
 
 private:
@@ -37,10 +38,10 @@ private:
     OutputFile file;
 };
 
-/// Frames per second of what does not say how many it has.
+/// The frames per second of an input that does not tell its rate.
 constexpr double kUsualRate = 25;
 
-/// The frames of a video file or a camera.
+/// Reads the frames of a video file or of a camera.
 class VideoReader : public FrameSource {
 public:
     /// @throws Failure  there is no such file or it is not a video
@@ -52,11 +53,11 @@ public:
     bool Read(cv::Mat& frame) override;
     bool Skip() override;
     double framesPerSecond() const override { return rate; }
-    /// As the file declares it, 0 when it does not.
+    /// The number that the file declares, 0 when it declares none.
     int frameCount() const override { return count; }
 
 private:
-    void TakeOver();
+    void ReadProperties();
 
     cv::VideoCapture capture;
     double rate = 0;
@@ -74,6 +75,7 @@ public:
     void Write(const cv::Mat& frame);
 
     /// Completes the file and gives it its name.
+    /// @throws Failure  the disk did not take all of it
     void Finish();
 
 private:

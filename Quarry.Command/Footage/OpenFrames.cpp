@@ -3,7 +3,6 @@
 #include <glob.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <filesystem>
 #include <opencv2/imgcodecs.hpp>
@@ -14,6 +13,7 @@
 
 #include "Console.h"
 #include "Media.h"
+#include "Numbers.h"
 
 namespace quarry::command {
 namespace {
@@ -52,7 +52,7 @@ private:
 
     std::vector<fs::path> paths;
     std::size_t next = 0;
-    cv::Size size;  ///< of all of them
+    cv::Size size;  ///< of every picture
 };
 
 std::unique_ptr<FrameSource> SortedPictures(const std::string& input, std::vector<fs::path> paths) {
@@ -81,20 +81,13 @@ std::vector<fs::path> Matching(const std::string& pattern) {
     return paths;
 }
 
-std::optional<int> CameraNumber(const std::string& input) {
-    int number = 0;
-    const auto [end, error] = std::from_chars(input.data(), input.data() + input.size(), number);
-    const bool isNumber = error == std::errc() && end == input.data() + input.size() && number >= 0;
-    return isNumber ? std::optional(number) : std::nullopt;
-}
-
 }  // namespace
 
 std::unique_ptr<FrameSource> OpenFrames(const std::string& input) {
     std::error_code ignored;
     if (fs::is_directory(input, ignored)) return SortedPictures(input, PicturesIn(input));
     if (!fs::exists(input, ignored)) {
-        if (const std::optional<int> camera = CameraNumber(input)) return std::make_unique<VideoReader>(*camera);
+        if (const std::optional<int> camera = ReadIndex(input)) return std::make_unique<VideoReader>(*camera);
         if (input.find_first_of("*?[") != std::string::npos) return SortedPictures(input, Matching(input));
     }
     return std::make_unique<VideoReader>(fs::path(input));

@@ -1,37 +1,34 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <climits>
 #include <memory>
 #include <string>
 
-#include "FrameAnalyser.h"
 #include "FrameSource.h"
+#include "VideoFrame.h"
 
 namespace quarry::command {
 
-/// Which frames of a video are taken.
+/// The frames of a video that are used.
 struct FrameRange {
-    int first = 0;      ///< index of the first frame that is taken
-    int end = INT_MAX;  ///< index of the first one that no longer is
-    int every = 1;      ///< 2: every second one
+    int first = 0;      ///< index of the first frame
+    int end = INT_MAX;  ///< index of the frame after the last
+    int every = 1;      ///< 2 uses every second frame of the range
 };
 
-/// Adds --frames and --every.
-void AddFrameOptions(CLI::App& command, FrameRange& range);
-
-/// The frames of a range, one after the other.
+/// Reads the frames of a range.
 class SelectedFrames {
 public:
     /// @param video  as OpenFrames takes it
+    /// @throws Failure  it cannot be opened
     SelectedFrames(const std::string& video, const FrameRange& range);
 
     /// @return false after the last frame
     bool Next(VideoFrame& frame);
 
-    /// Of the selected frames alone.
+    /// The rate of the selected frames: with `every` of 2 it is half of the video's.
     double framesPerSecond() const { return source->framesPerSecond() / range.every; }
-    /// How many there will be, 0 when it is not known.
+    /// How many frames will come, 0 when the number is unknown.
     int expected() const;
 
 private:

@@ -27,7 +27,7 @@ double FontScale(const std::string& text, int width) {
 
 }  // namespace
 
-cv::Mat Mark(const cv::Mat& frame, const cv::Mat& foreground) {
+cv::Mat MarkForeground(const cv::Mat& frame, const cv::Mat& foreground) {
     cv::Mat tinted;
     cv::addWeighted(frame, 1 - kTintShare, cv::Mat(frame.size(), frame.type(), kTint), kTintShare, 0, tinted);
     cv::Mat picture = frame.clone();

@@ -8,9 +8,9 @@
 namespace quarry::command {
 
 /// The frame with its foreground tinted and outlined.
-cv::Mat Mark(const cv::Mat& frame, const cv::Mat& foreground);
+cv::Mat MarkForeground(const cv::Mat& frame, const cv::Mat& foreground);
 
-/// The frame with a rectangle: green where the target was found, red where it was not.
+/// The frame with a rectangle, which is green when the target was found and red when it was not.
 cv::Mat MarkTarget(const cv::Mat& frame, const cv::Rect& target, bool found);
 
 /// The picture with a green rectangle around everything that was found.
@@ -22,8 +22,8 @@ cv::Mat OutlineRegion(const cv::Mat& picture, const cv::Mat& region);
 /// Draws the line into the picture, with a dot at its start.
 void MarkLine(cv::Mat& picture, const RelLine& line);
 
-/// The picture over a strip with the caption.
-/// Width and height are even, as video codecs want them.
+/// The picture with a strip below that holds the caption.
+/// Width and height of the result are even, because the video codec requires it.
 cv::Mat WithCaption(const cv::Mat& picture, const std::string& caption);
 
 }  // namespace quarry::command

@@ -8,7 +8,7 @@
 namespace quarry::command {
 namespace {
 
-/// Places in a body, left before right.
+/// Indexes of points of a body: the left one of each pair, which the right one follows.
 constexpr std::size_t kShoulders = 5, kHips = 11, kKnees = 13, kAnkles = 15;
 
 cv::Point Pixel(const FloatPoint& point, const cv::Size& size) {
@@ -16,7 +16,7 @@ cv::Point Pixel(const FloatPoint& point, const cv::Size& size) {
             static_cast<int>(point.Y * static_cast<float>(size.height))};
 }
 
-/// Half of a limb's width, for bodies of any size.
+/// Half of the width of a leg at three joints, in pixels.
 struct HalfWidths {
     int hip, knee, ankle;
 };
@@ -33,7 +33,7 @@ Quadrilateral Limb(const cv::Point& top, int halfTop, const cv::Point& bottom, i
             {bottom.x - halfBottom, bottom.y}};
 }
 
-/// Ends above the shoe.
+/// The part of a leg below the knee. It ends above the shoe.
 Quadrilateral Shin(const cv::Point& knee, int halfKnee, cv::Point ankle, int halfAnkle) {
     ankle.y -= static_cast<int>(0.15 * std::abs(knee.y - ankle.y));
     return Limb(knee, halfKnee, ankle, halfAnkle);

@@ -9,13 +9,13 @@
 namespace quarry::command {
 
 constexpr std::size_t kBodyPoints = ClothingColors::kKeypoints;
-/// In shares of the picture's width and height: nose, then left and right of eyes, ears, shoulders, elbows, wrists,
-/// hips, knees and ankles.
+/// The points of a body in fractions of the picture's width and height: nose, then eyes, ears, shoulders, elbows,
+/// wrists, hips, knees and ankles, each time left before right.
 using Body = std::array<FloatPoint, kBodyPoints>;
 
 using Quadrilateral = std::vector<cv::Point>;
 
-/// What of a body its clothing colours are taken from, in pixels of the picture.
+/// The areas of a body that its clothing colours are taken from, in pixels of the picture.
 struct ClothingAreas {
     Quadrilateral torso;
     std::array<Quadrilateral, 4> legs;  ///< thighs, then shins
@@ -23,7 +23,7 @@ struct ClothingAreas {
 
 ClothingAreas AreasOf(const Body& body, const cv::Size& size);
 
-/// Whether both areas have the two pixels that two colours take.
+/// Whether torso and legs each cover two pixels, which two colours take at least.
 bool CoverEnough(const ClothingAreas& areas, const cv::Size& size);
 
 }  // namespace quarry::command

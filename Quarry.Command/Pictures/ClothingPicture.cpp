@@ -1,7 +1,8 @@
 #include "ClothingPicture.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cstdio>
 #include <opencv2/imgproc.hpp>
 
 namespace quarry::command {
@@ -48,9 +49,7 @@ cv::Mat WithSwatches(const cv::Mat& picture, const ClothingColorsResult& colours
 
 std::string HexOf(const RgbColor& colour) {
     const cv::Vec3b bytes = BytesOf(colour);
-    char text[8];
-    std::snprintf(text, sizeof text, "#%02x%02x%02x", bytes[2], bytes[1], bytes[0]);
-    return text;
+    return fmt::format("#{:02x}{:02x}{:02x}", bytes[2], bytes[1], bytes[0]);
 }
 
 }  // namespace quarry::command

@@ -7,10 +7,10 @@
 
 namespace quarry::command {
 
-/// The picture with the points of a body and the areas that its colours are taken from.
+/// The picture with the points of a body and the outlines of the areas that its colours are taken from.
 cv::Mat MarkBody(const cv::Mat& picture, const Body& body);
 
-/// The picture over a strip with the four colours in their order.
+/// The picture with a strip below that holds the four colours in their order.
 cv::Mat WithSwatches(const cv::Mat& picture, const ClothingColorsResult& colours);
 
 /// `#rrggbb`.

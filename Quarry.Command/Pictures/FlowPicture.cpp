@@ -11,10 +11,10 @@ namespace {
 constexpr double kDarkened = 0.4;
 constexpr int kWheelMargin = 8;     // pixels
 constexpr int kLargestWheel = 72;   // pixels
-constexpr int kWheelsPerFrame = 5;  // as many as would stand side by side at the most
+constexpr int kWheelsPerFrame = 5;  // the wheel is at most a fifth of the frame wide and high
 constexpr double kRimGrey = 200;    // the line around the wheel
 
-/// Speed and direction of every pixel; directions in degrees, clockwise from the right as rows go downwards.
+/// Speed and direction of every pixel. Directions are in degrees, clockwise from the right, because rows go downwards.
 void Polar(const cv::Mat& motion, cv::Mat& speed, cv::Mat& direction) {
     std::array<cv::Mat, 2> parts;
     cv::split(motion, parts.data());
@@ -89,24 +89,6 @@ cv::Mat FlowOver(const cv::Mat& frame, const cv::Mat& motion, double scale) {
         cv::circle(picture, middle, diameter / 2, cv::Scalar::all(kRimGrey), 1, cv::LINE_AA);
     }
     return picture;
-}
-
-Speed SpeedOf(const cv::Mat& motion) {
-    cv::Mat speed;
-    cv::Mat direction;
-    Polar(motion, speed, direction);
-    return {cv::mean(speed)[0], cv::norm(speed, cv::NORM_INF)};
-}
-
-float MeanAcross(const std::vector<float>& values) {
-    float sum = 0;
-    int count = 0;
-    for (const float value : values) {
-        if (std::isnan(value)) continue;
-        sum += value;
-        ++count;
-    }
-    return count > 0 ? sum / static_cast<float>(count) : 0;
 }
 
 }  // namespace quarry::command

@@ -20,21 +20,21 @@ cv::Rect PixelsOf(const RelRect& area, const cv::Size& size) {
 }
 
 RelRect RelativeOf(const cv::Rect& pixels, const cv::Size& size) {
-    // Half a pixel more keeps rounding from taking a whole one.
+    // Half a pixel more, so that rounding down never loses a whole pixel.
     const auto share = [](int part, int side) { return static_cast<float>((part + 0.5) / static_cast<double>(side)); };
     return {share(pixels.x, size.width), share(pixels.y, size.height), share(pixels.width, size.width),
             share(pixels.height, size.height)};
 }
 
-std::vector<cv::Rect> PlacesOf(const Detections& found, const cv::Rect& searched) {
-    std::vector<cv::Rect> places;
-    places.reserve(found.size());
+std::vector<cv::Rect> RectanglesOf(const Detections& found, const cv::Rect& searched) {
+    std::vector<cv::Rect> rectangles;
+    rectangles.reserve(found.size());
     for (const Response& one : found) {
         const cv::Point corner = PixelOf({one.Rect.X, one.Rect.Y}, searched.size());
         const cv::Point extent = PixelOf({one.Rect.Width, one.Rect.Height}, searched.size());
-        places.emplace_back(searched.tl() + corner, cv::Size(extent));
+        rectangles.emplace_back(searched.tl() + corner, cv::Size(extent));
     }
-    return places;
+    return rectangles;
 }
 
 }  // namespace quarry::command

@@ -1,5 +1,5 @@
 /// @file
-/// Places in pictures: fractions of their width and height, and pixels.
+/// Converts points and rectangles of pictures between fractions of width and height and pixels.
 #pragma once
 
 #include <Quarry/Host.hpp>
@@ -8,21 +8,21 @@
 
 namespace quarry::command {
 
-/// A closed line through points; whose coordinates they are says its owner.
+/// The corners of a polygon, in fractions of a picture or in pixels, as the function says that takes it.
 using Polygon = std::vector<FloatPoint>;
 
 /// The nearest pixel of a picture of this size.
 cv::Point PixelOf(const FloatPoint& point, const cv::Size& size);
 std::vector<cv::Point> PixelsOf(Span<FloatPoint> polygon, const cv::Size& size);
 
-/// What the library takes of an area: fractions of a pixel do not count.
+/// The pixels that the library reads when it is given this area. It ignores fractions of a pixel.
 cv::Rect PixelsOf(const RelRect& area, const cv::Size& size);
 
-/// An area that the library takes these pixels of.
+/// An area for which the library reads exactly these pixels.
 RelRect RelativeOf(const cv::Rect& pixels, const cv::Size& size);
 
-/// Where things were found, in pixels.
-/// @param searched  what the places that were found are fractions of
-std::vector<cv::Rect> PlacesOf(const Detections& found, const cv::Rect& searched);
+/// The rectangles of detections in pixels of the picture.
+/// @param searched  the part of the picture that was searched; the detections are in fractions of it
+std::vector<cv::Rect> RectanglesOf(const Detections& found, const cv::Rect& searched);
 
 }  // namespace quarry::command

@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -57,6 +56,11 @@ std::string Run(const std::vector<std::string>& arguments, const std::string& in
     std::vector<char*> argv = {const_cast<char*>(kPython)};
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
+    std::vector<char*> environment;
+    for (char** variable = environ; *variable != nullptr; ++variable) environment.push_back(*variable);
+    // What lies in the folder where the command runs is no part of Python.
+    environment.push_back(const_cast<char*>("PYTHONSAFEPATH=1"));
+    environment.push_back(nullptr);
     const File in = Scratch(input);
     const File err = Scratch("");
     posix_spawn_file_actions_t streams;
@@ -64,9 +68,8 @@ std::string Run(const std::vector<std::string>& arguments, const std::string& in
     posix_spawn_file_actions_adddup2(&streams, fileno(in.get()), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&streams, fileno(err.get()), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&streams, fileno(err.get()), STDERR_FILENO);
-    setenv("PYTHONSAFEPATH", "1", 0);  // what lies in the folder where the command runs is no part of Python
     pid_t child = 0;
-    const int refused = posix_spawn(&child, kPython, &streams, nullptr, argv.data(), environ);
+    const int refused = posix_spawn(&child, kPython, &streams, nullptr, argv.data(), environment.data());
     posix_spawn_file_actions_destroy(&streams);
     if (refused != 0) return std::string(kPython) + ": " + std::system_category().message(refused);
     int status = 0;

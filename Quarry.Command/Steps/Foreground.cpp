@@ -1,5 +1,6 @@
 #include "Foreground.h"
 
+#include <Quarry/HostOpenCV.hpp>
 #include <opencv2/imgproc.hpp>
 
 namespace quarry::command {
@@ -14,6 +15,12 @@ cv::Mat RedFirst(const cv::Mat& frame) {
     cv::Mat redFirst;
     cv::cvtColor(frame, redFirst, cv::COLOR_BGR2RGB);
     return redFirst;
+}
+
+cv::Mat ForegroundExtractor::Extract(const VideoFrame& frame) {
+    if (frame.timestamp == 0) return frame.pixels;
+    model.Update(ViewOf(frame.pixels, frame.timestamp));
+    return OnBlack(frame.pixels, MatOf(model.Result().foreground()));
 }
 
 }  // namespace quarry::command

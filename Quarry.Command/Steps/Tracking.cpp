@@ -9,7 +9,7 @@ namespace quarry::command {
 Tracker::Tracker(const cv::Rect& target, TrackerMode mode)
     : tracker({mode}), start({target.x, target.y, target.width, target.height}) {}
 
-TrackView Tracker::Take(const cv::Mat& frame) {
+TrackedTarget Tracker::Update(const cv::Mat& frame) {
     const ImageView view = ViewOf(frame);
     const Stopwatch watch;
     const bool found = start ? tracker.Start(view, *start) : tracker.Update(view);

@@ -6,25 +6,25 @@
 
 namespace quarry::command {
 
-/// Where the target is.
-struct TrackView {
-    cv::Rect target;  ///< the filter's window: as large as was asked for, or a little larger
+/// The target in the last frame.
+struct TrackedTarget {
+    cv::Rect target;  ///< the filter's window, which may be a little larger than the rectangle that it began with
     bool found;
-    double milliseconds;  ///< that the library took for this frame
+    double milliseconds;  ///< the time that the library took for this frame
 };
 
 /// Follows one rectangle through a video.
 class Tracker {
 public:
-    /// @param target  in the first frame; all within 16 bits, 2 x 2 pixels or more
+    /// @param target  in the first frame: 2 x 2 pixels or more, coordinates and sides within 16 bits
     explicit Tracker(const cv::Rect& target, TrackerMode mode = TrackerMode::Careful);
 
-    /// Takes in a packed 8-bit B, G, R frame.
-    TrackView Take(const cv::Mat& frame);
+    /// Searches the next frame, 8-bit B, G, R with packed rows.
+    TrackedTarget Update(const cv::Mat& frame);
 
 private:
     MosseTracker tracker;
-    std::optional<Box> start;  ///< until there was a frame
+    std::optional<Box> start;  ///< nothing after the first frame
 };
 
 }  // namespace quarry::command

@@ -29,7 +29,7 @@ void PrintError(const std::string& message) {
     std::string line = "quarry: " + message;
     std::replace_if(
         line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-    std::fprintf(stderr, "%s\n", line.c_str());
+    std::fputs((line + '\n').c_str(), stderr);
 }
 
 SilencedStderr::SilencedStderr() : saved(dup(STDERR_FILENO)) {

@@ -5,7 +5,7 @@
 
 namespace quarry::command {
 
-/// Something cannot be done; the message is one line that names the file concerned.
+/// Something could not be done. The message is one line and names the file concerned.
 class Failure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -16,13 +16,13 @@ constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
 constexpr int kExitInterrupted = 130;
 
-/// What the exception being handled says, whatever its kind; call it inside a `catch`.
+/// The message of the exception that is being handled, of whatever type it is. Call it inside a `catch`.
 std::string CurrentReason();
 
-/// Writes `quarry: <message>` and a line end to stderr; line ends within the message become spaces.
+/// Writes `quarry: <message>` and a line end to stderr. Line ends within the message become spaces.
 void PrintError(const std::string& message);
 
-/// While it lives, nothing written to stderr arrives: decoders write there on their own account.
+/// Discards what is written to stderr as long as the object lives, because decoders write messages of their own there.
 class SilencedStderr {
 public:
     SilencedStderr();

@@ -6,7 +6,7 @@ namespace quarry::command {
 namespace {
 
 volatile std::sig_atomic_t requested = 0;
-void (*before)(int) = SIG_DFL;  ///< what the signal did before
+void (*before)(int) = SIG_DFL;  ///< the handler that is put back
 
 void Request(int /*signal*/) {
     requested = 1;

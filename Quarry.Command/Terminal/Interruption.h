@@ -2,8 +2,8 @@
 
 namespace quarry::command {
 
-/// While it lives, the first Ctrl-C asks for an end instead of making one, so that what is written can be completed;
-/// another one ends the command as ever. One at a time.
+/// Turns the first Ctrl-C into a request, as long as the object lives, so that the command can complete what it writes
+/// before it ends. A second Ctrl-C ends the command at once. Only one object may live at a time.
 class Interruption {
 public:
     Interruption();
@@ -11,7 +11,7 @@ public:
     Interruption& operator=(const Interruption&) = delete;
     ~Interruption();
 
-    /// Whether an end was asked for.
+    /// Whether Ctrl-C was pressed.
     bool IsRequested() const;
 };
 

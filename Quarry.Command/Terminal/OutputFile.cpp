@@ -1,6 +1,7 @@
 #include "OutputFile.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -8,8 +9,8 @@
 #include <climits>
 #include <csignal>
 #include <cstddef>
-#include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
@@ -22,9 +23,10 @@ namespace quarry::command {
 namespace {
 
 constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
-void (*before[std::size(kEndingSignals)])(int);  ///< what they did when nothing was unfinished
+void (*before[std::size(kEndingSignals)])(int);  ///< the handlers from before there was an unfinished file
 
-/// What a signal that ends the command must remove; a free place is empty. Plain bytes: a handler may not allocate.
+/// The names of the files that a signal that ends the command must remove. The name in a free place is empty. The names
+/// are plain bytes, because a signal handler may not allocate.
 constexpr std::size_t kPlaces = 2;
 char unfinished[kPlaces][PATH_MAX];
 
@@ -42,7 +44,7 @@ void RemoveUnfinishedAndEnd(int signal) {
     raise(signal);
 }
 
-/// Takes over the signals that end the command, but for those that are ignored.
+/// Takes over the signals that end the command, except those that are ignored.
 void HandleEndingSignals() {
     for (std::size_t i = 0; i < std::size(kEndingSignals); ++i) {
         const auto handler = std::signal(kEndingSignals[i], RemoveUnfinishedAndEnd);
@@ -59,7 +61,7 @@ std::size_t Remember(const std::string& path) {
     std::size_t place = 0;
     while (place < kPlaces && !IsFree(place)) ++place;
     if (place == kPlaces || path.size() >= sizeof unfinished[place]) return kPlaces;
-    // The first byte last: until it is there, the place is free for a handler that comes in between.
+    // The first byte is written last, so that a handler that runs in between still sees a free place.
     std::memcpy(unfinished[place] + 1, path.c_str() + 1, path.size());
     std::atomic_signal_fence(std::memory_order_release);
     unfinished[place][0] = path[0];
@@ -79,16 +81,16 @@ void Forget(std::size_t place) {
 constexpr const char* kMark = ".unfinished-";
 constexpr std::size_t kDigits = 16;
 
-/// By chance: other machines may write into the folder, and what a killed command left may bear any process's number.
+/// The digits are random rather than the number of the process: other machines may write into the same folder, and a
+/// killed command may have left a file with any number.
 std::string TemporaryName(const std::filesystem::path& name) {
-    constexpr std::size_t kStem = 200;  // bytes, so that the name is none too long
+    constexpr std::size_t kStem = 200;  // bytes, so that the whole name is not too long
     std::random_device random;
-    char digits[kDigits + 1];
-    std::snprintf(digits, sizeof digits, "%08x%08x", random(), random());
-    return "." + name.stem().string().substr(0, kStem) + kMark + digits + name.extension().string();
+    return fmt::format(".{}{}{:08x}{:08x}{}", name.stem().string().substr(0, kStem), kMark, random(), random(),
+                       name.extension().string());
 }
 
-/// @return 0, or what went wrong
+/// @return 0, or the number of the error
 int Sync(const std::filesystem::path& path) {
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) return errno;
@@ -106,7 +108,8 @@ int Sync(const std::filesystem::path& path) {
 OutputFile::OutputFile(std::filesystem::path name_)
     : name(std::move(name_)), temporaryName(name.parent_path() / TemporaryName(name)), place(kPlaces) {
     if (std::filesystem::is_directory(name)) throw Failure(name.string() + ": cannot be written: is a folder");
-    place = Remember(temporaryName.string());  // before the file is there, or an interruption in between would leave it
+    place =
+        Remember(temporaryName.string());  // before there is a file, so that no signal finds one that it does not know
     const int file = open(temporaryName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (file < 0) {
         const int reason = errno;
@@ -130,9 +133,20 @@ void OutputFile::Keep() {
     if (refused) Refuse(name, refused.value());
     temporaryName.clear();
     Forget(place);
-    // The new name; not every file system can do this, nor every user who may write there.
+    // The folder is synchronised for the new name. Some file systems and some permissions do not allow that, so that
+    // only errors of the disk count.
     const int reason = Sync(name.parent_path().empty() ? "." : name.parent_path());
     if (reason == EIO || reason == ENOSPC || reason == EDQUOT) Refuse(name, reason);
+}
+
+TextFile::TextFile(const std::filesystem::path& path_) : path(path_), file(path_) {}
+
+void TextFile::Write(const std::string& text) {
+    std::ofstream stream(file.temporary(), std::ios::binary);
+    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+    stream.close();
+    if (!stream) throw Failure(path.string() + ": cannot be written in full");
+    file.Keep();
 }
 
 bool IsTemporary(const std::filesystem::path& path) {

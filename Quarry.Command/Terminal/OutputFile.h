@@ -2,13 +2,14 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <string>
 
 namespace quarry::command {
 
 /// A file that appears under its name only when it is complete.
 ///
-/// It is written under a temporary name in the same folder, with the same extension. Unless Keep is called it leaves
-/// nothing behind, also when the command is interrupted. Two at a time.
+/// It is written under a temporary name in the same folder, with the same extension. The destructor removes it unless
+/// Keep was called, and so does a signal that ends the command. At most two objects are safe from signals at a time.
 class OutputFile {
 public:
     /// @throws Failure  nothing can be written there
@@ -20,16 +21,32 @@ public:
     /// The name to write to.
     const std::filesystem::path& temporary() const { return temporaryName; }
 
-    /// Gives the file its name, in place of what had it before. It is on the disk then.
+    /// Writes the file to the disk and gives it its name, in place of any file that had it before.
+    /// @throws Failure  it cannot be written
     void Keep();
 
 private:
     std::filesystem::path name;
     std::filesystem::path temporaryName;
-    std::size_t place;  ///< among those that an interruption removes
+    std::size_t place;  ///< of the temporary name in the list that a signal handler removes
 };
 
-/// Whether a file has the temporary name of one that is being written, or was when the command was killed.
+/// Whether a file has the temporary name of an OutputFile. Such files stay behind when the command is killed.
 bool IsTemporary(const std::filesystem::path& path);
+
+/// A text file that appears under its name when it is complete.
+class TextFile {
+public:
+    /// @throws Failure  nothing can be written there
+    explicit TextFile(const std::filesystem::path& path);
+
+    /// Writes the whole text. Call it once.
+    /// @throws Failure  it cannot be written
+    void Write(const std::string& text);
+
+private:
+    std::filesystem::path path;
+    OutputFile file;
+};
 
 }  // namespace quarry::command

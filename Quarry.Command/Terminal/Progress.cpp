@@ -1,5 +1,6 @@
 #include "Progress.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +15,12 @@ namespace {
 constexpr int kBarWidth = 24;
 constexpr double kSecondsBetweenDrawings = 0.1;
 
+/// Writes the text in place of the line that the cursor is on.
+void Show(const std::string& text) {
+    std::fputs(("\r" + text + "\033[K").c_str(), stderr);
+    std::fflush(stderr);
+}
+
 std::string Bar(double share) {
     const auto filled = static_cast<std::size_t>(share * kBarWidth);
     return "[" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "]";
@@ -21,13 +28,7 @@ std::string Bar(double share) {
 
 std::string Duration(double seconds) {
     const auto whole = std::lround(seconds);
-    char text[32];
-    if (whole < 60) {
-        std::snprintf(text, sizeof text, "%ld s", whole);
-    } else {
-        std::snprintf(text, sizeof text, "%ld:%02ld min", whole / 60, whole % 60);
-    }
-    return text;
+    return whole < 60 ? fmt::format("{} s", whole) : fmt::format("{}:{:02} min", whole / 60, whole % 60);
 }
 
 }  // namespace
@@ -54,15 +55,13 @@ void Progress::Draw() {
     lastDrawn = watch.Seconds();
     drawn = true;
     const double rate = done / std::max(lastDrawn, 1e-6);
+    std::string line = fmt::format("  {} {}  {:.1f} {}/s", done, unit, rate, unit);
     if (total > 0) {
         const double share = std::min(1.0, static_cast<double>(done) / total);
-        const std::string left = Duration(std::max(0, total - done) / rate);
-        std::fprintf(stderr, "\r%s %s %3.0f %%  %d/%d  %.1f %s/s  %s left\033[K", label.c_str(), Bar(share).c_str(),
-                     share * 100, done, total, rate, unit.c_str(), left.c_str());
-    } else {
-        std::fprintf(stderr, "\r%s  %d %s  %.1f %s/s\033[K", label.c_str(), done, unit.c_str(), rate, unit.c_str());
+        line = fmt::format(" {} {:3.0f} %  {}/{}  {:.1f} {}/s  {} left", Bar(share), share * 100, done, total, rate,
+                           unit, Duration(std::max(0, total - done) / rate));
     }
-    std::fflush(stderr);
+    Show(label + line);
 }
 
 Waiting::Waiting(const std::string& label) {
@@ -83,8 +82,7 @@ Waiting::~Waiting() {
 void Waiting::Draw(const std::string& label) {
     std::unique_lock lock(mutex);
     do {
-        std::fprintf(stderr, "\r%s  %s\033[K", label.c_str(), Duration(watch.Seconds()).c_str());
-        std::fflush(stderr);
+        Show(label + "  " + Duration(watch.Seconds()));
     } while (!ended.wait_for(lock, std::chrono::milliseconds(100), [this] { return isOver; }));
 }
 

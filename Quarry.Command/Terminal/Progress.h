@@ -9,7 +9,7 @@
 
 namespace quarry::command {
 
-/// A progress bar with rate and time left on stderr; nothing at all when stderr is not a terminal.
+/// A progress bar on stderr, with the rate and the time that is left. It is not drawn unless stderr is a terminal.
 class Progress {
 public:
     /// @param unit   what is counted, in the plural: "frames"
@@ -19,13 +19,13 @@ public:
     Progress& operator=(const Progress&) = delete;
     ~Progress() { Clear(); }
 
-    /// One more is done.
+    /// Counts one more and draws the bar again, at most ten times per second.
     void Advance();
 
-    /// Takes the bar off the screen before a line is written to stderr; the next Advance draws it again.
+    /// Removes the bar from the screen before a line is written to stderr. The next Advance draws it again.
     void Clear();
 
-    /// The same before a line is written to stdout: only where that would show on the terminal too.
+    /// Does the same before a line is written to stdout, when stdout is a terminal too.
     void MakeWay();
 
 private:
@@ -41,7 +41,7 @@ private:
     Stopwatch watch;
 };
 
-/// The same for one long step: a line on stderr with the seconds that have passed.
+/// Shows on stderr how many seconds a long step has taken so far. Nothing is drawn unless stderr is a terminal.
 class Waiting {
 public:
     explicit Waiting(const std::string& label);
@@ -56,7 +56,7 @@ private:
     std::mutex mutex;
     std::condition_variable ended;
     bool isOver = false;
-    std::thread drawer;  ///< not there when stderr is not a terminal
+    std::thread drawer;  ///< runs only when stderr is a terminal
 };
 
 }  // namespace quarry::command

@@ -4,7 +4,7 @@
 
 namespace quarry::command {
 
-/// Wall time since it was made.
+/// Measures the wall time since its construction.
 class Stopwatch {
 public:
     double Seconds() const { return std::chrono::duration<double>(Clock::now() - start).count(); }

@@ -10,7 +10,6 @@
 #include "JsonInput.h"
 #include "Options.h"
 #include "PictureTransformVerb.h"
-#include "PointLists.h"
 #include "Verbs.h"
 
 namespace quarry::command {
@@ -32,7 +31,7 @@ constexpr PointLimits kLimits = {std::numeric_limits<int16_t>::min(), std::numer
                                  SimilarityTransform::kPoints};
 
 struct Options {
-    OnePictureOptions files;
+    PictureTransformOptions files;
     std::string points;
     std::optional<cv::Size> size;  ///< none: that of the picture
 };
@@ -56,7 +55,7 @@ int Run(const Options& options) {
     }
     const std::vector<FloatPoint> source = LandmarksIn(object, "source", options.points);
     const std::vector<FloatPoint> destination = LandmarksIn(object, "destination", options.points);
-    return RunOverPicture(options.files, [&](const cv::Mat& picture) {
+    return TransformPicture(options.files, [&](const cv::Mat& picture) {
         const cv::Size size = options.size.value_or(picture.size());
         return CloneOf(SimilarityTransform({size.width, size.height})(ViewOf(picture), source, destination));
     });
@@ -69,7 +68,7 @@ Verb AddAlign(CLI::App& commandLine) {
     CLI::App* const command =
         commandLine.add_subcommand("align", "Turns, scales and shifts a picture so that five landmarks lie in place");
     command->footer(kFooter);
-    AddPictureOptions(*command, options->files, "the aligned picture");
+    AddPictureTransformOptions(*command, options->files, "the aligned picture");
     command->add_option("POINTS", options->points, "JSON file with the landmarks")->required();
     command
         ->add_option_function<std::string>(

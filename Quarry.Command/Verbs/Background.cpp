@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <memory>
 #include <optional>
@@ -34,11 +36,11 @@ const char* NameOf(UpdaterState state) {
     return "unknown";
 }
 
-class Background : public FrameByFrame {
+class Background : public FrameAnalyser {
 public:
     explicit Background(const BackgroundModel::Options& options) : model(options) {}
 
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         last = frame;
         const ImageView pixels = ViewOf(frame.pixels, frame.timestamp);
         const Stopwatch watch;
@@ -52,7 +54,7 @@ public:
     std::string TableHead() const override { return "  state         foreground %        ms"; }
 
     std::string TableRow() const override {
-        return Format("  %-12s  %12.3f  %8.2f", NameOf(state), share * 100, milliseconds.back());
+        return fmt::format("  {:<12}  {:12.3f}  {:8.2f}", NameOf(state), share * 100, milliseconds.back());
     }
 
     nlohmann::ordered_json Fields() const override {
@@ -60,26 +62,26 @@ public:
     }
 
     cv::Mat Annotated() const override {
-        return WithCaption(Mark(last.pixels, foreground), Format("frame %d   %.2f s   %s   foreground %.2f %%",
-                                                                 last.index, last.seconds, NameOf(state), share * 100));
+        return WithCaption(MarkForeground(last.pixels, foreground),
+                           CaptionStart(last) + fmt::format("{}   foreground {:.2f} %", NameOf(state), share * 100));
     }
 
     std::string Summary() const override {
-        return Format("foreground %.3f %% on average, %.2f ms per frame (median)",
-                      100 * shares / static_cast<double>(milliseconds.size()), Quantile(milliseconds, 0.5));
+        return fmt::format("foreground {:.3f} % on average, {:.2f} ms per frame (median)",
+                           100 * shares / static_cast<double>(milliseconds.size()), Quantile(milliseconds, 0.5));
     }
 
 private:
     BackgroundModel model;
     VideoFrame last{};
     UpdaterState state = NoResult;
-    cv::Mat foreground;  ///< the model's own
-    double share = 0;    ///< 0..1 of the frame's pixels, of the foreground
+    cv::Mat foreground;  ///< a view of the model's memory
+    double share = 0;    ///< of the frame's pixels that are foreground, from 0 to 1
     std::vector<double> milliseconds;
     double shares = 0;
 };
 
-Beginning AddOwnOptions(CLI::App& command) {
+FrameAnalyserFactory AddOwnOptions(CLI::App& command) {
     const auto model = std::make_shared<BackgroundModel::Options>();
     command.add_option("--sensitivity", model->sensitivity, "How small a difference from the background counts")
         ->check(Within(0, 1))
@@ -100,12 +102,11 @@ Beginning AddOwnOptions(CLI::App& command) {
 
 }  // namespace
 
-FrameOperation BackgroundOperation() {
-    return {"background", "What moves in a video: learns its background and marks what differs from it", AddOwnOptions};
-}
-
 Verb AddBackground(CLI::App& commandLine) {
-    return AddVideoVerb(commandLine, BackgroundOperation(), kFooter, "its foreground marked");
+    return AddVideoVerb(
+        commandLine,
+        {"background", "What moves in a video: learns its background and marks what differs from it", AddOwnOptions},
+        kFooter, "its foreground marked");
 }
 
 }  // namespace quarry::command

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <iostream>
@@ -11,9 +13,9 @@
 #include "ClothingPicture.h"
 #include "Console.h"
 #include "JsonInput.h"
+#include "JsonLine.h"
 #include "Media.h"
 #include "Options.h"
-#include "PointLists.h"
 #include "Stopwatch.h"
 #include "Verbs.h"
 
@@ -34,7 +36,7 @@ they were taken from and, in a strip below, the four colours in the same order.
 Example:
   quarry clothing street.jpg body.json --out street-colours.png)";
 
-/// Points may lie as far beyond the picture as it is large.
+/// Points may lie beyond the picture, by at most its width and height.
 constexpr PointLimits kLimits = {-1, 2, kBodyPoints};
 
 struct Options {
@@ -61,8 +63,8 @@ nlohmann::ordered_json JsonOf(const RgbColor& first, const RgbColor& second) {
 }
 
 std::string Line(const char* area, const char* place, const RgbColor& colour) {
-    return Format("%-6s%-8s%-8s%7.3f%7.3f%7.3f\n", area, place, HexOf(colour).c_str(), static_cast<double>(colour.red),
-                  static_cast<double>(colour.green), static_cast<double>(colour.blue));
+    return fmt::format("{:<6}{:<8}{:<8}{:7.3f}{:7.3f}{:7.3f}\n", area, place, HexOf(colour), colour.red, colour.green,
+                       colour.blue);
 }
 
 void Write(const Options& options, const ClothingColorsResult& colours, double milliseconds) {

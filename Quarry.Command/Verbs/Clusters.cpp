@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <memory>
 #include <optional>
@@ -6,10 +8,10 @@
 
 #include "Annotation.h"
 #include "Foreground.h"
+#include "JsonOutput.h"
 #include "Options.h"
 #include "OutlinePicture.h"
 #include "PictureOrVideoVerb.h"
-#include "PolygonFile.h"
 #include "Statistics.h"
 #include "Stopwatch.h"
 #include "Verbs.h"
@@ -18,15 +20,15 @@ namespace quarry::command {
 namespace {
 
 constexpr const char* kFooter =
-    R"(A cluster is something that hangs together and is surrounded by black: in a picture as it is,
-in a video in what moves (a background model is learnt from it, as by the verb background, and
-the rest of each frame is blackened). Things smaller than the share --min-area of the frame
-are none. `area %` is that of all clusters. With --json each cluster has
+    R"(A cluster is a connected region that is not black. In a picture everything counts that is not
+black. In a video what moves counts: a background model is learnt from it, as by the verb
+background, and the rest of each frame is blackened. Regions smaller than the share --min-area
+of the frame are left out. `area %` is the area of all clusters. With --json each cluster has
   centre     its centre of mass, [x, y] in fractions of the frame's width and height; null
-             where there is no area, as of a line
-  area       share of the frame's area that its contour encloses
+             when it has no area, such as a line
+  area       the share of the frame's area that its contour encloses
   perimeter  the length of its contour in widths of the frame
-  points     of its contour, each [x, y] like the centre
+  points     those of its contour, each [x, y] like the centre
 
 Examples:
   quarry clusters street.avi --out street-clusters.avi
@@ -46,14 +48,14 @@ nlohmann::ordered_json ObjectOf(const Cluster& cluster) {
     return object;
 }
 
-class Clusters : public FrameByFrame {
+class Clusters : public FrameAnalyser {
 public:
     explicit Clusters(const Options& options)
         : find({options.everyPixel ? 1.0F : kUsualClusters.outlinePrecision, options.minArea}) {}
 
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         last = frame;
-        const cv::Mat redFirst = RedFirst(shown.Take(frame));
+        const cv::Mat redFirst = RedFirst(foreground.Extract(frame));
         const Stopwatch watch;
         clusters = find(ViewOf(redFirst));
         milliseconds.push_back(watch.Milliseconds());
@@ -65,7 +67,7 @@ public:
     std::string TableHead() const override { return "  clusters    area %        ms"; }
 
     std::string TableRow() const override {
-        return Format("  %8zu  %8.3f  %8.2f", clusters->size(), area * 100, milliseconds.back());
+        return fmt::format("  {:8}  {:8.3f}  {:8.2f}", clusters->size(), area * 100, milliseconds.back());
     }
 
     nlohmann::ordered_json Fields() const override {
@@ -75,27 +77,28 @@ public:
     }
 
     cv::Mat Annotated() const override {
-        return WithCaption(MarkClusters(last.pixels, *clusters),
-                           Shown::Place(last) + Format("%zu clusters   area %.2f %%", clusters->size(), area * 100));
+        return WithCaption(
+            MarkClusters(last.pixels, *clusters),
+            CaptionStart(last) + fmt::format("{} clusters   area {:.2f} %", clusters->size(), area * 100));
     }
 
     std::string Summary() const override {
-        return Format("%.2f clusters on average, %.2f ms per frame (median)",
-                      static_cast<double>(inAll) / static_cast<double>(milliseconds.size()),
-                      Quantile(milliseconds, 0.5));
+        return fmt::format("{:.2f} clusters on average, {:.2f} ms per frame (median)",
+                           static_cast<double>(inAll) / static_cast<double>(milliseconds.size()),
+                           Quantile(milliseconds, 0.5));
     }
 
 private:
-    Shown shown;
+    ForegroundExtractor foreground;
     ContourClusters find;
     VideoFrame last{};
     std::optional<ContourClusters::Clusters> clusters;
-    double area = 0;  ///< 0..1 of the frame's, of all clusters
+    double area = 0;  ///< of all clusters together, as a share of the frame's
     std::size_t inAll = 0;
-    std::vector<double> milliseconds;  ///< of the clusters alone
+    std::vector<double> milliseconds;  ///< without the background model
 };
 
-Beginning AddOwnOptions(CLI::App& command) {
+FrameAnalyserFactory AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
     command.add_option("--min-area", options->minArea, "Share of the frame that a thing must have to count")
         ->check(Within(0, 1))
@@ -107,13 +110,12 @@ Beginning AddOwnOptions(CLI::App& command) {
 
 }  // namespace
 
-FrameOperation ClustersOperation() {
-    return {"clusters", "The things that move in a video, or that are not black in a picture: contours and centres",
-            AddOwnOptions};
-}
-
 Verb AddClusters(CLI::App& commandLine) {
-    return AddPictureOrVideoVerb(commandLine, ClustersOperation(), kFooter, "contours and centres drawn");
+    return AddPictureOrVideoVerb(
+        commandLine,
+        {"clusters", "The things that move in a video, or that are not black in a picture: contours and centres",
+         AddOwnOptions},
+        kFooter, "contours and centres drawn");
 }
 
 }  // namespace quarry::command

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <iostream>
 #include <map>
@@ -6,6 +8,7 @@
 #include <string>
 
 #include "Console.h"
+#include "JsonLine.h"
 #include "Media.h"
 #include "Options.h"
 #include "PixelRegions.h"
@@ -50,18 +53,20 @@ struct Options {
     bool json = false;
 };
 
-/// The area in pixels, checked to lie in both pictures.
+/// The area in pixels.
+/// @throws CLI::ValidationError  it is empty or not within the first picture
+/// @throws Failure               it is not within the second picture
 cv::Rect CheckedArea(const Options& options, const cv::Size& first, const cv::Size& second) {
     const cv::Rect pixels = PixelsOf(options.area, first);
     const auto liesIn = [&](const cv::Size& size) { return (pixels & cv::Rect({0, 0}, size)) == pixels; };
     if (pixels.empty() || !liesIn(first)) {
         throw CLI::ValidationError(
             "--area", options.areaText + (pixels.empty() ? " covers no whole pixel of " : " reaches beyond ") +
-                          options.first + Format(" (%d x %d pixels)", first.width, first.height));
+                          fmt::format("{} ({} x {} pixels)", options.first, first.width, first.height));
     }
     if (!liesIn(second)) {
-        throw Failure(options.second + Format(": is %d x %d pixels; the area needs at least %d x %d", second.width,
-                                              second.height, pixels.br().x, pixels.br().y));
+        throw Failure(fmt::format("{}: is {} x {} pixels; the area needs at least {} x {}", options.second,
+                                  second.width, second.height, pixels.br().x, pixels.br().y));
     }
     return pixels;
 }
@@ -76,7 +81,7 @@ void Write(const Options& options, const cv::Rect& area, double similarity, doub
                                {"milliseconds", milliseconds}});
         return;
     }
-    std::cout << Format("%s  %.6f\n", options.method.c_str(), similarity);
+    std::cout << fmt::format("{}  {:.6f}\n", options.method, similarity);
 }
 
 int Run(const Options& options) {

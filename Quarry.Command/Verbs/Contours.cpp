@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <map>
 #include <memory>
@@ -6,10 +8,10 @@
 #include <vector>
 
 #include "Annotation.h"
+#include "JsonOutput.h"
 #include "Options.h"
 #include "OutlinePicture.h"
 #include "PixelRegions.h"
-#include "PolygonFile.h"
 #include "Statistics.h"
 #include "Stopwatch.h"
 #include "Verbs.h"
@@ -19,10 +21,10 @@ namespace quarry::command {
 namespace {
 
 constexpr const char* kFooter =
-    R"(A background model is learnt from the video, as by the verb background; what differs from it
-is searched for the contour of one object, within the rectangle of --rect where one is given
+    R"(A background model is learnt from the video, as by the verb background. What differs from it
+is searched for the contour of one object, within the rectangle of --rect when one is given
 (X,Y is its upper left corner, in pixels). Per frame:
-  points     of the contour; 0 where there is no object. With --json each is [x, y], in
+  points     of the contour; 0 when there is no object. With --json each is [x, y], in
              fractions of the frame's width and height, and can be saved for the verbs inside
              and shape-rate.
   area       share of the frame's area that the contour encloses
@@ -30,7 +32,7 @@ is searched for the contour of one object, within the rectangle of --rect where 
 
 --method says which points of the border are kept: all of them (none), the ends of straight
 runs (simple), or those that shape it most (tc89-l1, tc89-kcos). Of several contours --select
-takes the one of the largest area, or that of the largest extent (diagonal).
+takes the one with the largest area, or with the longest diagonal of the box around it.
 
 Examples:
   quarry contours street.avi --rect 500,200,200,300 --out street-contour.avi
@@ -41,18 +43,18 @@ struct Options {
     ObjectContour::Options contour;
 };
 
-/// @throws CLI::ValidationError  it is not
+/// @throws CLI::ValidationError  the rectangle reaches beyond the frame
 void CheckIsWithin(const cv::Rect& rect, const cv::Size& frame) {
     if ((rect & cv::Rect({0, 0}, frame)) == rect) return;
-    throw CLI::ValidationError("--rect", Format("%d,%d,%d,%d is not within the frame of %d x %d pixels", rect.x, rect.y,
-                                                rect.width, rect.height, frame.width, frame.height));
+    throw CLI::ValidationError("--rect", fmt::format("{},{},{},{} is not within the frame of {} x {} pixels", rect.x,
+                                                     rect.y, rect.width, rect.height, frame.width, frame.height));
 }
 
-class Contours : public FrameByFrame {
+class Contours : public FrameAnalyser {
 public:
     explicit Contours(const Options& options) : rect(options.rect), find(options.contour) {}
 
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         if (milliseconds.empty() && rect) CheckIsWithin(*rect, frame.pixels.size());
         last = frame;
         model.Update(ViewOf(frame.pixels, frame.timestamp));
@@ -67,8 +69,9 @@ public:
     std::string TableHead() const override { return "  points    area %  perimeter %        ms"; }
 
     std::string TableRow() const override {
-        return Format("  %6zu  %8.3f  %11.2f  %8.2f", outline->size(), static_cast<double>(outline->area()) * 100,
-                      static_cast<double>(outline->perimeter()) * 100, milliseconds.back());
+        return fmt::format("  {:6}  {:8.3f}  {:11.2f}  {:8.2f}", outline->size(),
+                           static_cast<double>(outline->area()) * 100, static_cast<double>(outline->perimeter()) * 100,
+                           milliseconds.back());
     }
 
     nlohmann::ordered_json Fields() const override {
@@ -81,12 +84,12 @@ public:
     cv::Mat Annotated() const override {
         cv::Mat picture = rect ? MarkTarget(last.pixels, *rect, !outline->empty()) : last.pixels.clone();
         DrawPolygon(picture, *outline, kMarkColour);
-        return WithCaption(picture, Format("frame %d   %.2f s   %zu points   area %.2f %%", last.index, last.seconds,
-                                           outline->size(), static_cast<double>(outline->area()) * 100));
+        return WithCaption(picture, CaptionStart(last) + fmt::format("{} points   area {:.2f} %", outline->size(),
+                                                                     static_cast<double>(outline->area()) * 100));
     }
 
     std::string Summary() const override {
-        return Format("an object in %d, %.2f ms per frame (median)", found, Quantile(milliseconds, 0.5));
+        return fmt::format("an object in {}, {:.2f} ms per frame (median)", found, Quantile(milliseconds, 0.5));
     }
 
 private:
@@ -95,7 +98,7 @@ private:
     ObjectContour find;
     VideoFrame last{};
     std::optional<OutlineResult> outline;
-    std::vector<double> milliseconds;  ///< of the contour alone
+    std::vector<double> milliseconds;  ///< without the background model
     int found = 0;
 };
 
@@ -107,7 +110,7 @@ cv::Rect RectOf(const std::string& text) {
     return {x, y, width, height};
 }
 
-/// An option that takes one of the names and sets what it stands for.
+/// Adds an option whose value is one of the names. It sets the choice that the name stands for.
 template <typename Choice>
 void AddChoice(CLI::App& command, const std::string& option, Choice& choice, const std::map<std::string, Choice>& names,
                const std::string& preset, const std::string& description) {
@@ -118,7 +121,7 @@ void AddChoice(CLI::App& command, const std::string& option, Choice& choice, con
         ->default_str(preset);
 }
 
-Beginning AddOwnOptions(CLI::App& command) {
+FrameAnalyserFactory AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
     command
         .add_option_function<std::string>(
@@ -140,13 +143,12 @@ Beginning AddOwnOptions(CLI::App& command) {
 
 }  // namespace
 
-FrameOperation ContoursOperation() {
-    return {"contours", "The contour of what moves in a video: one object, in the whole frame or in a rectangle",
-            AddOwnOptions};
-}
-
 Verb AddContours(CLI::App& commandLine) {
-    return AddVideoVerb(commandLine, ContoursOperation(), kFooter, "the contour drawn");
+    return AddVideoVerb(
+        commandLine,
+        {"contours", "The contour of what moves in a video: one object, in the whole frame or in a rectangle",
+         AddOwnOptions},
+        kFooter, "the contour drawn");
 }
 
 }  // namespace quarry::command

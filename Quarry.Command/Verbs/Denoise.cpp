@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <cmath>
 #include <iostream>
@@ -7,6 +9,7 @@
 #include <string>
 
 #include "Console.h"
+#include "JsonLine.h"
 #include "Media.h"
 #include "Options.h"
 #include "Progress.h"
@@ -35,7 +38,7 @@ struct Options {
 
 /// How far two pictures are apart.
 struct Change {
-    double mean;  ///< absolute, grey levels
+    double mean;  ///< of the absolute differences, grey levels
     double psnr;  ///< dB, infinite when they are the same
 };
 
@@ -58,8 +61,8 @@ void Write(const Options& options, const cv::Mat& denoised, const Change& change
         return;
     }
     std::cout << options.denoised << '\n'
-              << Format("%d x %d pixels in %.0f ms; changed by %.3f grey levels in the mean, PSNR %.2f dB\n",
-                        denoised.cols, denoised.rows, milliseconds, change.mean, change.psnr);
+              << fmt::format("{} x {} pixels in {:.0f} ms; changed by {:.3f} grey levels in the mean, PSNR {:.2f} dB\n",
+                             denoised.cols, denoised.rows, milliseconds, change.mean, change.psnr);
 }
 
 int Run(const Options& options) {

@@ -6,7 +6,8 @@
 #include "Catalogue.h"
 #include "Console.h"
 #include "Description.h"
-#include "Options.h"
+#include "JsonLine.h"
+#include "NearestNames.h"
 #include "Verbs.h"
 
 namespace quarry::command {
@@ -27,10 +28,8 @@ struct Options {
 };
 
 std::string Unknown(const std::string& name) {
-    std::string message = "there is no operation " + name;
     const std::vector<std::string> near = NamesNear(name);
-    for (std::size_t i = 0; i < near.size(); ++i) message += (i == 0 ? "; did you mean " : " or ") + near[i];
-    return message + (near.empty() ? "; quarry list names them all" : "?");
+    return "there is no operation " + name + (near.empty() ? "; quarry list names them all" : DidYouMean(near));
 }
 
 int Run(const Options& options) {

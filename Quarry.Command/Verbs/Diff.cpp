@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <iostream>
 #include <memory>
@@ -6,6 +8,7 @@
 #include <string>
 
 #include "Console.h"
+#include "JsonLine.h"
 #include "Media.h"
 #include "Options.h"
 #include "Statistics.h"
@@ -49,8 +52,8 @@ void Write(const Options& options, const cv::Mat& difference, double millisecond
                                {"milliseconds", milliseconds}});
         return;
     }
-    std::cout << Format(
-        "mean     %10.4f grey levels\nchanged  %10.4f %% of the pixels\nmaximum  %5d      grey levels\n",
+    std::cout << fmt::format(
+        "mean     {:10.4f} grey levels\nchanged  {:10.4f} % of the pixels\nmaximum  {:5}      grey levels\n",
         statistics.mean, statistics.changed * 100, statistics.maximum);
 }
 

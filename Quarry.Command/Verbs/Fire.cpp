@@ -1,9 +1,12 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <memory>
 #include <opencv2/imgproc.hpp>
 #include <string>
 
 #include "Annotation.h"
+#include "JsonOutput.h"
 #include "Options.h"
 #include "PicturesVerb.h"
 #include "Statistics.h"
@@ -22,9 +25,9 @@ X,Y,WIDTH,HEIGHT in pixels. Colour alone decides: an orange or a pale wall count
 Example:
   quarry fire stove.jpg --out stove-outlined.jpg)";
 
-class Fire : public FrameByFrame {
+class Fire : public FrameAnalyser {
 public:
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         last = frame.pixels;
         const Stopwatch watch;
         const FirePixels::Flames flames = find(ViewOf(last));
@@ -37,9 +40,9 @@ public:
     std::string TableHead() const override { return "   flame %        ms  rectangle"; }
 
     std::string TableRow() const override {
-        std::string row = Format("%10.3f%10.1f", share * 100, milliseconds);
+        std::string row = fmt::format("{:10.3f}{:10.1f}", share * 100, milliseconds);
         if (bounds.empty()) return row;
-        return row + Format("  %d,%d,%d,%d", bounds.x, bounds.y, bounds.width, bounds.height);
+        return row + fmt::format("  {},{},{},{}", bounds.x, bounds.y, bounds.width, bounds.height);
     }
 
     nlohmann::ordered_json Fields() const override {
@@ -60,20 +63,19 @@ private:
 
 }  // namespace
 
-FrameOperation FireOperation() {
-    return {"fire", "Finds the region of pictures that has the colours of a flame",
-            [](CLI::App& /*command*/) { return [] { return std::make_unique<Fire>(); }; }};
-}
-
 Verb AddFire(CLI::App& commandLine) {
-    const auto options = std::make_shared<PictureOptions>();
-    CLI::App* const command = AddCommand(commandLine, FireOperation(), kFooter);
-    AddPictureOptions(*command, *options, "Pictures to search", "the region outlined");
-    return {command, [options] {
+    const FrameVerb overFrames = {"fire", "Finds the region of pictures that has the colours of a flame",
+                                  [](CLI::App& /*command*/) { return [] { return std::make_unique<Fire>(); }; }};
+    const auto options = std::make_shared<PicturesOptions>();
+    CLI::App* const command = AddCommand(commandLine, overFrames, kFooter);
+    AddPicturesOptions(*command, *options, "Pictures to search", "the region outlined");
+    return {command,
+            [options] {
                 CheckAnnotated(*options);
-                Fire verb;
-                return RunOverPictures(*options, "fire", verb);
-            }};
+                Fire analyser;
+                return RunOverPictures(*options, "fire", analyser);
+            },
+            overFrames};
 }
 
 }  // namespace quarry::command

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <array>
 #include <cmath>
@@ -47,11 +49,11 @@ struct Options {
     std::string plot;  ///< empty: not wanted
 };
 
-class Flow : public FrameByFrame {
+class Flow : public FrameAnalyser {
 public:
     explicit Flow(const Options& options_) : options(options_), calculator(options_.flow) {}
 
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         last = frame;
         const cv::Mat redFirst = RedFirst(frame.pixels);
         const Stopwatch watch;
@@ -75,8 +77,9 @@ public:
     }
 
     std::string TableRow() const override {
-        const std::string row = Format("  %8.3f  %8.2f  %8.1f", speed.mean, speed.maximum, milliseconds.back());
-        return options.line ? row + Format("  %9.3f", static_cast<double>(MeanAcross(across))) : row;
+        const std::string row =
+            fmt::format("  {:8.3f}  {:8.2f}  {:8.1f}", speed.mean, speed.maximum, milliseconds.back());
+        return options.line ? row + fmt::format("  {:9.3f}", MeanOfNumbers(across)) : row;
     }
 
     nlohmann::ordered_json Fields() const override {
@@ -89,11 +92,14 @@ public:
     cv::Mat Annotated() const override {
         cv::Mat picture = FlowOver(last.pixels, motion, options.scale);
         if (options.line) MarkLine(picture, *options.line);
-        return WithCaption(picture, Format("frame %d   %.2f s   motion %.2f px/frame in the mean, %.1f at most",
-                                           last.index, last.seconds, speed.mean, speed.maximum));
+        return WithCaption(
+            picture, fmt::format("frame {}   {:.2f} s   motion {:.2f} px/frame in the mean, {:.1f} at most", last.index,
+                                 last.seconds, speed.mean, speed.maximum));
     }
 
-    std::string Summary() const override { return Format("%.1f ms per frame (median)", Quantile(milliseconds, 0.5)); }
+    std::string Summary() const override {
+        return fmt::format("{:.1f} ms per frame (median)", Quantile(milliseconds, 0.5));
+    }
 
     /// As `quarry.plot` reads it.
     const nlohmann::json& motionOverTime() const { return plot; }
@@ -118,9 +124,9 @@ int Run(const VideoOptions& video, const Options& options) {
     CheckIsNotAnInput("--plot", options.plot, {video.video});
     std::optional<PlotFile> plot;
     if (!options.plot.empty()) plot.emplace(options.plot);
-    Flow verb(options);
-    const int exitCode = RunOverVideo(video, "flow", verb);
-    if (plot) plot->Draw(verb.motionOverTime());
+    Flow analyser(options);
+    const int exitCode = RunOverVideo(video, "flow", analyser);
+    if (plot) plot->Draw(analyser.motionOverTime());
     return exitCode;
 }
 
@@ -129,7 +135,7 @@ RelLine LineOf(const std::string& text) {
     return {{x1, y1}, {x2, y2}};
 }
 
-Beginning AddOwnOptions(CLI::App& command, const std::shared_ptr<Options>& options) {
+FrameAnalyserFactory AddOwnOptions(CLI::App& command, const std::shared_ptr<Options>& options) {
     command
         .add_option("--detail", options->flow.detail,
                     "How small the things are that may move on their own (default: about 0.45)")
@@ -150,15 +156,13 @@ Beginning AddOwnOptions(CLI::App& command, const std::shared_ptr<Options>& optio
 
 }  // namespace
 
-FrameOperation FlowOperation() {
-    return {"flow", "How everything in a video moves: dense optical flow, and the motion across a line",
-            [](CLI::App& command) { return AddOwnOptions(command, std::make_shared<Options>()); }};
-}
-
 Verb AddFlow(CLI::App& commandLine) {
+    const FrameVerb overFrames = {
+        "flow", "How everything in a video moves: dense optical flow, and the motion across a line",
+        [](CLI::App& command) { return AddOwnOptions(command, std::make_shared<Options>()); }};
     const auto video = std::make_shared<VideoOptions>();
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = AddCommand(commandLine, FlowOperation(), kFooter);
+    CLI::App* const command = AddCommand(commandLine, overFrames, kFooter);
     AddVideoOptions(*command, *video, "its motion in colour");
     AddOwnOptions(*command, options);
     command->add_option("--scale", options->scale, "Pixels per frame that are shown at full brightness")
@@ -167,7 +171,7 @@ Verb AddFlow(CLI::App& commandLine) {
     command->add_option("--plot", options->plot, "Draw the motion across the line over time here")
         ->check(EndsIn({".svg"}))
         ->needs(command->get_option("--line"));
-    return {command, [video, options] { return Run(*video, *options); }};
+    return {command, [video, options] { return Run(*video, *options); }, overFrames};
 }
 
 }  // namespace quarry::command

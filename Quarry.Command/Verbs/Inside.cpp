@@ -3,8 +3,9 @@
 #include <string>
 
 #include "Console.h"
+#include "JsonInput.h"
+#include "JsonLine.h"
 #include "Options.h"
-#include "PolygonFile.h"
 #include "Verbs.h"
 
 namespace quarry::command {

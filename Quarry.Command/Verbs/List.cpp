@@ -1,4 +1,7 @@
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cstddef>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -6,7 +9,7 @@
 #include "Catalogue.h"
 #include "Console.h"
 #include "Description.h"
-#include "Options.h"
+#include "JsonLine.h"
 #include "Verbs.h"
 
 namespace quarry::command {
@@ -24,15 +27,14 @@ void WriteTable() {
     std::size_t verbs = 0;
     for (const Operation& operation : Catalogue()) {
         names = std::max(names, operation.name.size());
-        verbs = std::max(verbs, std::string(operation.verb).size());
+        verbs = std::max(verbs, operation.verb.size());
     }
-    const auto line = [&](const char* name, const char* kind, const char* verb, const char* summary) {
-        std::cout << Format("%-*s  %-9s  %-*s  %s\n", static_cast<int>(names), name, kind, static_cast<int>(verbs),
-                            verb, summary);
+    const auto write = [&](const std::string& name, const char* kind, const std::string& verb, const char* summary) {
+        std::cout << fmt::format("{:<{}}  {:<9}  {:<{}}  {}\n", name, names, kind, verb, verbs, summary);
     };
-    line("operation", "kind", "verb", "what it gives");
+    write("operation", "kind", "verb", "what it gives");
     for (const Operation& operation : Catalogue()) {
-        line(operation.name.c_str(), NameOf(operation.kind), operation.verb, operation.summary);
+        write(operation.name, NameOf(operation.kind), operation.verb, operation.summary);
     }
 }
 

@@ -22,11 +22,11 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kFooter =
-    R"(All files *.jsonl below DIR, as `quarry scan` writes them, one after the other in the byte
-order of the videos' names: the same bytes however the work was spread, interrupted and begun
-again. Files of different versions, operations or options are refused, and for flow and people
-those that were made with different instructions of the processor. So is any file that is not
-the finished lines of a video; what killed processes left is passed over.
+    R"(Writes all files *.jsonl below DIR, which come from `quarry scan`, one after the other in the
+byte order of the videos' names. The result has the same bytes however the work was shared,
+interrupted and started again. Files of different versions, operations or options are refused,
+and for flow and people those of different instructions of the processor. So is any file that is
+not the finished lines of a video. Temporary files that killed processes left are skipped.
 
 Examples:
   quarry merge lines --out lines.jsonl
@@ -34,14 +34,14 @@ Examples:
 
 struct Options {
     std::string folder;
-    std::string out;  ///< empty: standard output
+    std::string out;  ///< empty for standard output
 };
 
 /// The lines of one video.
 struct Part {
     std::string video;
     fs::path path;
-    std::string made;  ///< version, operation and options, which all parts share
+    std::string made;  ///< version, operation and options, which must be the same in all parts
 };
 
 Part PartOf(const fs::path& path) {

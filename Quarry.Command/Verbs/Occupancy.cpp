@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <memory>
 #include <string>
@@ -21,9 +23,9 @@ model is learnt from it, as by the verb background, and the rest of each frame i
 
 Things smaller than the share --min-area of the frame are left out, holes in the others are
 filled. A cell of the grid is occupied when more than the share --fill of it is covered, so
-that 1 occupies none. `occupied` is the number of such cells; with --json `cells` has the rows
-of the grid, 1 for an occupied cell and 0 for a free one. What the cells leave over at the
-right and at the bottom, less than a cell, belongs to none.
+that with 1 no cell is. `occupied` is the number of such cells; with --json `cells` has the rows
+of the grid, 1 for an occupied cell and 0 for a free one. Pixels at the right and lower
+edges that do not fill a cell belong to none.
 
 Examples:
   quarry occupancy street.avi --grid 24x18 --out street-grid.avi
@@ -37,8 +39,8 @@ struct Options {
 /// @throws CLI::ValidationError  a cell would be smaller than a pixel
 void CheckFits(const cv::Size& grid, const cv::Size& frame) {
     if (grid.width <= frame.width && grid.height <= frame.height) return;
-    throw CLI::ValidationError("--grid", Format("%dx%d has more cells than the frame of %d x %d has pixels", grid.width,
-                                                grid.height, frame.width, frame.height));
+    throw CLI::ValidationError("--grid", fmt::format("{}x{} has more cells than the frame of {} x {} has pixels",
+                                                     grid.width, grid.height, frame.width, frame.height));
 }
 
 nlohmann::ordered_json RowsOf(const cv::Mat& cells) {
@@ -49,14 +51,14 @@ nlohmann::ordered_json RowsOf(const cv::Mat& cells) {
     return rows;
 }
 
-class Occupancy : public FrameByFrame {
+class Occupancy : public FrameAnalyser {
 public:
     explicit Occupancy(const Options& options) : grid(options.grid), find(options.occupied) {}
 
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         if (milliseconds.empty()) CheckFits(grid, frame.pixels.size());
         last = frame;
-        const cv::Mat redFirst = RedFirst(shown.Take(frame));
+        const cv::Mat redFirst = RedFirst(foreground.Extract(frame));
         const Stopwatch watch;
         const ContourGrid::Cells found = find(ViewOf(redFirst), {grid.width, grid.height});
         milliseconds.push_back(watch.Milliseconds());
@@ -68,7 +70,7 @@ public:
     std::string TableHead() const override { return "  occupied   % of cells        ms"; }
 
     std::string TableRow() const override {
-        return Format("  %8d  %11.2f  %8.2f", occupied, Percent(occupied), milliseconds.back());
+        return fmt::format("  {:8}  {:11.2f}  {:8.2f}", occupied, Percent(occupied), milliseconds.back());
     }
 
     nlohmann::ordered_json Fields() const override {
@@ -77,28 +79,28 @@ public:
 
     cv::Mat Annotated() const override {
         return WithCaption(MarkCells(last.pixels, cells),
-                           Shown::Place(last) + Format("%d of %d cells occupied", occupied, grid.area()));
+                           CaptionStart(last) + fmt::format("{} of {} cells occupied", occupied, grid.area()));
     }
 
     std::string Summary() const override {
-        return Format("%.2f %% of the cells occupied on average, %.2f ms per frame (median)",
-                      Percent(inAll) / static_cast<double>(milliseconds.size()), Quantile(milliseconds, 0.5));
+        return fmt::format("{:.2f} % of the cells occupied on average, {:.2f} ms per frame (median)",
+                           Percent(inAll) / static_cast<double>(milliseconds.size()), Quantile(milliseconds, 0.5));
     }
 
 private:
     double Percent(double count) const { return 100 * count / grid.area(); }
 
     cv::Size grid;
-    Shown shown;
+    ForegroundExtractor foreground;
     ContourGrid find;
     VideoFrame last{};
     cv::Mat cells;
     int occupied = 0;
     double inAll = 0;                  ///< occupied cells of all frames
-    std::vector<double> milliseconds;  ///< of the grid alone
+    std::vector<double> milliseconds;  ///< without the background model
 };
 
-Beginning AddOwnOptions(CLI::App& command) {
+FrameAnalyserFactory AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
     command
         .add_option_function<std::string>(
@@ -106,7 +108,7 @@ Beginning AddOwnOptions(CLI::App& command) {
             [options](const std::string& text) { options->grid = WidthAndHeight("--grid", text, "COLUMNSxROWS"); },
             "Columns and rows of the grid")
         ->type_name("COLUMNSxROWS")
-        ->default_str(Format("%dx%d", options->grid.width, options->grid.height));
+        ->default_str(fmt::format("{}x{}", options->grid.width, options->grid.height));
     command
         .add_option("--fill", options->occupied.cellFillRate,
                     "A cell is occupied when more than this share of it is covered")
@@ -122,14 +124,13 @@ Beginning AddOwnOptions(CLI::App& command) {
 
 }  // namespace
 
-FrameOperation OccupancyOperation() {
-    return {"occupancy",
-            "Which cells of a grid are occupied by what moves in a video, or by what is not black in a picture",
-            AddOwnOptions};
-}
-
 Verb AddOccupancy(CLI::App& commandLine) {
-    return AddPictureOrVideoVerb(commandLine, OccupancyOperation(), kFooter, "the grid drawn");
+    return AddPictureOrVideoVerb(
+        commandLine,
+        {"occupancy",
+         "Which cells of a grid are occupied by what moves in a video, or by what is not black in a picture",
+         AddOwnOptions},
+        kFooter, "the grid drawn");
 }
 
 }  // namespace quarry::command

@@ -1,63 +1,58 @@
 /// @file
-/// What the verbs share in reading their options and in writing their lines.
+/// Options that several verbs have, and checks of their values.
 #pragma once
 
 #include <Quarry/Quarry.h>
 
 #include <CLI/CLI.hpp>
 #include <array>
-#include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
 #include <string>
 #include <vector>
 
+#include "SelectedFrames.h"
+
 namespace quarry::command {
 
-/// A number from `low` to `high`.
+/// Checks that a value is a number from `low` to `high`.
 CLI::Validator Within(double low, double high);
 
-/// A file name that ends in one of these.
+/// Checks that a file name ends in one of these.
 CLI::Validator EndsIn(const std::vector<std::string>& extensions);
 
-/// The same for pictures that are written.
+/// Checks that a file name is that of a picture that can be written.
 CLI::Validator EndsAsPicture();
 
-/// Two whole numbers of 16 bits with a comma between them; parameters as below.
+/// Reads two whole numbers of 16 bits with a comma between them; parameters as for FourWholeNumbers.
 std::array<int, 2> TwoWholeNumbers(const std::string& option, const std::string& text, const std::string& form);
 
-/// Four whole numbers of 16 bits with commas between them.
-/// @param option  the option that they are the value of, as errors name it
-/// @param form    how they are meant: "X,Y,WIDTH,HEIGHT"
-/// @throws CLI::ValidationError  they are not
+/// Reads four whole numbers of 16 bits with commas between them.
+/// @param option  the option that has the value, for the error
+/// @param form    what the numbers are, for the error: "X,Y,WIDTH,HEIGHT"
+/// @throws CLI::ValidationError  the text is anything else
 std::array<int, 4> FourWholeNumbers(const std::string& option, const std::string& text, const std::string& form);
 
-/// Four numbers from 0 to 1 with commas between them.
+/// Reads four numbers from 0 to 1 with commas between them; parameters as for FourWholeNumbers.
 std::array<float, 4> FourShares(const std::string& option, const std::string& text, const std::string& form);
 
-/// Part of a picture, in fractions of its width and height, from the value X,Y,WIDTH,HEIGHT.
-/// @throws CLI::ValidationError  it is not that, or it is empty or does not lie within the picture
+/// Reads a part of a picture, in fractions of its width and height, from X,Y,WIDTH,HEIGHT.
+/// @throws CLI::ValidationError  the text is anything else, or the part is empty or reaches beyond the picture
 RelRect AreaOf(const std::string& option, const std::string& text);
 
-/// The type of an option whose value is a file that shapes the results.
-constexpr const char* kFileType = "FILE";
-
-/// Refuses to write over a file that is read.
-/// @param written  empty: nothing is written
-/// @throws CLI::ValidationError  it is one of the files that are read
-void CheckIsNotAnInput(const std::string& option, const std::string& written, const std::vector<std::string>& read);
-
-/// A width and a height, both whole numbers from 1 to 32767: "640x480".
-/// @param form  how they are meant: "WIDTHxHEIGHT"
-/// @throws CLI::ValidationError  they are not
+/// Reads a width and a height, both whole numbers from 1 to 32767, such as 640x480.
+/// @param form  what the numbers are, for the error: "WIDTHxHEIGHT"
+/// @throws CLI::ValidationError  the text is anything else
 cv::Size WidthAndHeight(const std::string& option, const std::string& text, const std::string& form);
 
-/// Text as printf formats it.
-[[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...);
+/// The type name of an option whose value is a file that the results depend on.
+constexpr const char* kFileType = "FILE";
 
-/// The members x, y, width and height.
-nlohmann::ordered_json JsonOf(const cv::Rect& rect);
+/// Checks that a verb does not overwrite a file that it reads.
+/// @param written  the file that the verb writes; empty when it writes none
+/// @throws CLI::ValidationError  it is one of the files in `read`
+void CheckIsNotAnInput(const std::string& option, const std::string& written, const std::vector<std::string>& read);
 
-/// The object on a line of its own; what is not UTF-8 in it is replaced.
-std::string JsonLine(const nlohmann::ordered_json& object);
+/// Adds --frames and --every.
+void AddFrameOptions(CLI::App& command, FrameRange& range);
 
 }  // namespace quarry::command

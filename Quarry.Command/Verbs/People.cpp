@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <algorithm>
 #include <cstddef>
@@ -7,6 +9,7 @@
 #include <vector>
 
 #include "Annotation.h"
+#include "JsonOutput.h"
 #include "Options.h"
 #include "PixelRegions.h"
 #include "Statistics.h"
@@ -20,8 +23,8 @@ namespace {
 constexpr const char* kFooter =
     R"(Finds people who stand or walk and are seen as a whole. Each frame is searched for itself: who
 is found in one may be missed in the next. The rectangles have a margin around the person, and
-none is less than 128 pixels high; where the people are smaller, enlarge the video. Of an --area
-64 pixels wide or narrower, or 128 pixels high or less, nothing is searched.
+none is less than 128 pixels high; where the people are smaller, enlarge the video. An --area
+of at most 64 pixels in width or at most 128 in height is not searched.
 
 --sensitivity has four steps, which end at 0.25, 0.5, 0.75 and 1; each is some 2 to 5 times
 slower than the one before. Per frame the table gives the number of people; with --json there
@@ -35,42 +38,44 @@ struct Options {
     std::vector<RelRect> areas;
 };
 
-class People : public FrameByFrame {
+class People : public FrameAnalyser {
 public:
     explicit People(const Options& options) : areas(options.areas), detector(options.detector) {}
 
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         last = frame;
         const ImageView pixels = ViewOf(frame.pixels);
         const Stopwatch watch;
         people = areas.empty() ? detector(pixels) : detector(pixels, areas);
         milliseconds.push_back(watch.Milliseconds());
-        places = PlacesOf(*people, {{0, 0}, frame.pixels.size()});
-        counts.push_back(static_cast<double>(places.size()));
+        rectangles = RectanglesOf(*people, {{0, 0}, frame.pixels.size()});
+        counts.push_back(static_cast<double>(rectangles.size()));
     }
 
     std::string TableHead() const override { return "  people        ms"; }
 
-    std::string TableRow() const override { return Format("  %6zu  %8.1f", places.size(), milliseconds.back()); }
+    std::string TableRow() const override {
+        return fmt::format("  {:6}  {:8.1f}", rectangles.size(), milliseconds.back());
+    }
 
     nlohmann::ordered_json Fields() const override {
         nlohmann::ordered_json objects = nlohmann::ordered_json::array();
-        for (std::size_t i = 0; i < places.size(); ++i) {
-            objects.push_back(JsonOf(places[i]));
+        for (std::size_t i = 0; i < rectangles.size(); ++i) {
+            objects.push_back(JsonOf(rectangles[i]));
             objects.back()["weight"] = (*people)[i].Weight;
         }
-        std::sort(objects.begin(), objects.end());  // they come in the order in which OpenCV's threads end
+        std::sort(objects.begin(), objects.end());  // OpenCV's threads find them in no fixed order
         return {{"people", objects}, {"milliseconds", milliseconds.back()}};
     }
 
     cv::Mat Annotated() const override {
-        return WithCaption(MarkFound(last.pixels, places),
-                           Format("frame %d   %.2f s   people: %zu", last.index, last.seconds, places.size()));
+        return WithCaption(MarkFound(last.pixels, rectangles),
+                           CaptionStart(last) + fmt::format("people: {}", rectangles.size()));
     }
 
     std::string Summary() const override {
-        return Format("%.0f people at most, %.0f in the median; %.1f ms per frame (median)", Quantile(counts, 1),
-                      Quantile(counts, 0.5), Quantile(milliseconds, 0.5));
+        return fmt::format("{:.0f} people at most, {:.0f} in the median; {:.1f} ms per frame (median)",
+                           Quantile(counts, 1), Quantile(counts, 0.5), Quantile(milliseconds, 0.5));
     }
 
 private:
@@ -78,20 +83,20 @@ private:
     PeopleDetector detector;
     VideoFrame last{};
     std::optional<Detections> people;
-    std::vector<cv::Rect> places;  ///< of the people, in pixels
+    std::vector<cv::Rect> rectangles;  ///< around the people, in pixels
     std::vector<double> milliseconds;
     std::vector<double> counts;  ///< of people, per frame
 };
 
-std::unique_ptr<FrameByFrame> Begin(const Options& options) {
+std::unique_ptr<FrameAnalyser> MakeAnalyser(const Options& options) {
     if (options.detector.maxHeight < options.detector.minHeight) {
-        throw CLI::ValidationError("--max-size", Format("must be at least --min-size, %g, not %g",
-                                                        options.detector.minHeight, options.detector.maxHeight));
+        throw CLI::ValidationError("--max-size", fmt::format("must be at least --min-size, {:g}, not {:g}",
+                                                             options.detector.minHeight, options.detector.maxHeight));
     }
     return std::make_unique<People>(options);
 }
 
-Beginning AddOwnOptions(CLI::App& command) {
+FrameAnalyserFactory AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
     PeopleDetector::Options& detector = options->detector;
     command.add_option("--sensitivity", detector.sensitivity, "How finely, and thus how slowly, it searches")
@@ -113,17 +118,14 @@ Beginning AddOwnOptions(CLI::App& command) {
         ->expected(1)
         ->take_all()
         ->type_name("X,Y,WIDTH,HEIGHT");
-    return [options] { return Begin(*options); };
+    return [options] { return MakeAnalyser(*options); };
 }
 
 }  // namespace
 
-FrameOperation PeopleOperation() {
-    return {"people", "Finds standing and walking people in a video", AddOwnOptions};
-}
-
 Verb AddPeople(CLI::App& commandLine) {
-    return AddVideoVerb(commandLine, PeopleOperation(), kFooter, "rectangles around the people");
+    return AddVideoVerb(commandLine, {"people", "Finds standing and walking people in a video", AddOwnOptions}, kFooter,
+                        "rectangles around the people");
 }
 
 }  // namespace quarry::command

@@ -1,13 +1,12 @@
 #include "PictureOrVideoVerb.h"
 
-#include <Quarry/HostOpenCV.hpp>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 
 #include "Console.h"
-#include "Foreground.h"
+#include "JsonLine.h"
 #include "Media.h"
 #include "Options.h"
 
@@ -23,32 +22,20 @@ void CheckEnding(const std::string& written, const std::vector<std::string>& end
     if (!trouble.empty()) throw CLI::ValidationError("--out", trouble);
 }
 
-int RunOverPicture(const VideoOptions& options, FrameByFrame& verb) {
+int RunOverPicture(const VideoOptions& options, FrameAnalyser& analyser) {
     const cv::Mat picture = ReadPicture(options.video);
     std::optional<PictureFile> annotated;
     if (!options.annotated.empty()) annotated.emplace(options.annotated);
-    verb.Take({0, 0, 0, picture});
-    if (annotated) annotated->Write(verb.Annotated());
+    analyser.Analyse({0, 0, 0, picture});
+    if (annotated) annotated->Write(analyser.Annotated());
     if (options.json) {
         nlohmann::ordered_json object = {{"file", options.video}};
-        object.update(verb.Fields());
+        object.update(analyser.Fields());
         std::cout << JsonLine(object);
     } else {
-        std::cout << verb.TableHead() << '\n' << verb.TableRow() << '\n';
+        std::cout << analyser.TableHead() << '\n' << analyser.TableRow() << '\n';
     }
     return kExitFine;
-}
-
-}  // namespace
-
-cv::Mat Shown::Take(const VideoFrame& frame) {
-    if (frame.timestamp == 0) return frame.pixels;
-    model.Update(ViewOf(frame.pixels, frame.timestamp));
-    return OnBlack(frame.pixels, MatOf(model.Result().foreground()));
-}
-
-std::string Shown::Place(const VideoFrame& frame) {
-    return frame.timestamp == 0 ? "" : Format("frame %d   %.2f s   ", frame.index, frame.seconds);
 }
 
 void AddPictureOrVideoOptions(CLI::App& command, VideoOptions& options, const std::string& shown) {
@@ -60,21 +47,26 @@ void AddPictureOrVideoOptions(CLI::App& command, VideoOptions& options, const st
     command.add_flag("--json", options.json, "Write one JSON object per frame and line instead of a table");
 }
 
-int RunOverPictureOrVideo(const VideoOptions& options, const std::string& label, FrameByFrame& verb) {
+int RunOverPictureOrVideo(const VideoOptions& options, const std::string& label, FrameAnalyser& analyser) {
     const bool still = IsPicture(options.video);
     CheckEnding(options.annotated, still ? kPictureEndings : kVideoEndings);
     CheckIsNotAnInput("--out", options.annotated, {options.video});
-    return still ? RunOverPicture(options, verb) : RunOverVideo(options, label, verb);
+    return still ? RunOverPicture(options, analyser) : RunOverVideo(options, label, analyser);
 }
 
-Verb AddPictureOrVideoVerb(CLI::App& commandLine, const FrameOperation& operation, const std::string& footer,
+}  // namespace
+
+Verb AddPictureOrVideoVerb(CLI::App& commandLine, const FrameVerb& overFrames, const std::string& footer,
                            const std::string& shown) {
     const auto options = std::make_shared<VideoOptions>();
-    CLI::App* const command = AddCommand(commandLine, operation, footer);
+    CLI::App* const command = AddCommand(commandLine, overFrames, footer);
     AddPictureOrVideoOptions(*command, *options, shown);
-    const Beginning begin = operation.addOptions(*command);
+    const FrameAnalyserFactory makeAnalyser = overFrames.addOptions(*command);
     return {command,
-            [options, begin, label = operation.name] { return RunOverPictureOrVideo(*options, label, *begin()); }};
+            [options, makeAnalyser, label = overFrames.name] {
+                return RunOverPictureOrVideo(*options, label, *makeAnalyser());
+            },
+            overFrames};
 }
 
 }  // namespace quarry::command

@@ -1,5 +1,5 @@
 /// @file
-/// What the verbs share that make one picture of another.
+/// Verbs that make one picture from another.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -9,7 +9,7 @@
 
 namespace quarry::command {
 
-struct OnePictureOptions {
+struct PictureTransformOptions {
     std::string picture;
     std::string out;
     bool json = false;
@@ -17,10 +17,11 @@ struct OnePictureOptions {
 
 /// Adds PICTURE, --out and --json.
 /// @param result  what is written, for the help: "the turned picture"
-void AddPictureOptions(CLI::App& command, OnePictureOptions& options, const std::string& result);
+void AddPictureTransformOptions(CLI::App& command, PictureTransformOptions& options, const std::string& result);
 
-/// Reads the picture, writes what is made of it, and tells its size and the time that the making took.
+/// Reads the picture, writes what `transform` makes of it, and prints the size and the time that it took.
 /// @return the exit code
-int RunOverPicture(const OnePictureOptions& options, const std::function<cv::Mat(const cv::Mat& picture)>& make);
+int TransformPicture(const PictureTransformOptions& options,
+                     const std::function<cv::Mat(const cv::Mat& picture)>& transform);
 
 }  // namespace quarry::command

@@ -1,10 +1,14 @@
 #include "PicturesVerb.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cstddef>
 #include <iostream>
 #include <optional>
 
 #include "Console.h"
+#include "JsonLine.h"
 #include "Media.h"
 #include "Options.h"
 #include "Progress.h"
@@ -12,43 +16,44 @@
 namespace quarry::command {
 namespace {
 
-/// One line per picture.
+/// Writes a line per picture to the standard output.
 class Output {
 public:
-    explicit Output(const PictureOptions& options) : json(options.json) {
-        for (const std::string& name : options.pictures) nameWidth = std::max(nameWidth, static_cast<int>(name.size()));
+    explicit Output(const PicturesOptions& options) : json(options.json) {
+        for (const std::string& name : options.pictures) nameWidth = std::max(nameWidth, name.size());
     }
 
-    void Write(const std::string& file, const cv::Mat& picture, const FrameByFrame& verb) {
+    void Write(const std::string& file, const cv::Mat& picture, const FrameAnalyser& analyser) {
         if (json) {
             nlohmann::ordered_json object = {{"file", file}, {"width", picture.cols}, {"height", picture.rows}};
-            object.update(verb.Fields());
+            object.update(analyser.Fields());
             std::cout << JsonLine(object) << std::flush;
             return;
         }
-        if (!headed)
-            std::cout << Format("%-*s%8s%8s", nameWidth, "file", "width", "height") << verb.TableHead() << '\n';
-        headed = true;
-        std::cout << Format("%-*s%8d%8d", nameWidth, file.c_str(), picture.cols, picture.rows) << verb.TableRow()
-                  << '\n'
+        if (!hasHead) std::cout << Padded("file") << "   width  height" << analyser.TableHead() << '\n';
+        hasHead = true;
+        std::cout << Padded(file) << fmt::format("{:8}{:8}", picture.cols, picture.rows) << analyser.TableRow() << '\n'
                   << std::flush;
     }
 
 private:
+    std::string Padded(const std::string& name) const { return name + std::string(nameWidth - name.size(), ' '); }
+
     bool json;
-    int nameWidth = 4;  ///< at least that of the heading
-    bool headed = false;
+    std::size_t nameWidth = 4;  ///< of the column, in bytes; at least that of its head
+    bool hasHead = false;
 };
 
-/// What went wrong, empty when nothing did.
-std::string TakeOne(const std::string& file, FrameByFrame& verb, PictureFile* annotated, Output& output,
+/// Analyses one picture.
+/// @return what went wrong, empty when nothing did
+std::string Analyse(const std::string& file, FrameAnalyser& analyser, PictureFile* annotated, Output& output,
                     Progress& progress) {
     try {
         const cv::Mat picture = ReadPicture(file);
-        verb.Take({0, 0, 0, picture});
-        if (annotated != nullptr) annotated->Write(verb.Annotated());
+        analyser.Analyse({0, 0, 0, picture});
+        if (annotated != nullptr) annotated->Write(analyser.Annotated());
         progress.MakeWay();
-        output.Write(file, picture, verb);
+        output.Write(file, picture, analyser);
     } catch (const Failure& failure) {
         return failure.what();
     } catch (...) {
@@ -59,14 +64,15 @@ std::string TakeOne(const std::string& file, FrameByFrame& verb, PictureFile* an
 
 }  // namespace
 
-void AddPictureOptions(CLI::App& command, PictureOptions& options, const std::string& read, const std::string& shown) {
+void AddPicturesOptions(CLI::App& command, PicturesOptions& options, const std::string& read,
+                        const std::string& shown) {
     command.add_option("IMAGE", options.pictures, read)->required();
     command.add_option("--out", options.annotated, "Write the picture, a single one, with " + shown + " here")
         ->check(EndsAsPicture());
     command.add_flag("--json", options.json, "Write one JSON object per picture and line instead of a table");
 }
 
-void CheckAnnotated(const PictureOptions& options) {
+void CheckAnnotated(const PicturesOptions& options) {
     if (options.annotated.empty()) return;
     if (options.pictures.size() > 1) {
         throw CLI::ValidationError("--out",
@@ -75,14 +81,14 @@ void CheckAnnotated(const PictureOptions& options) {
     CheckIsNotAnInput("--out", options.annotated, options.pictures);
 }
 
-int RunOverPictures(const PictureOptions& options, const std::string& label, FrameByFrame& verb) {
+int RunOverPictures(const PicturesOptions& options, const std::string& label, FrameAnalyser& analyser) {
     std::optional<PictureFile> annotated;
     if (!options.annotated.empty()) annotated.emplace(options.annotated);
     Output output(options);
     Progress progress(label, "pictures", static_cast<int>(options.pictures.size()));
     int exitCode = kExitFine;
     for (const std::string& file : options.pictures) {
-        const std::string trouble = TakeOne(file, verb, annotated ? &*annotated : nullptr, output, progress);
+        const std::string trouble = Analyse(file, analyser, annotated ? &*annotated : nullptr, output, progress);
         if (!trouble.empty()) {
             progress.Clear();
             PrintError(trouble);

@@ -8,25 +8,25 @@
 
 namespace quarry::command {
 
-/// What all verbs that go over pictures can be told.
-struct PictureOptions {
+/// The options of all verbs that analyse pictures.
+struct PicturesOptions {
     std::vector<std::string> pictures;
-    std::string annotated;  ///< empty: not wanted
+    std::string annotated;  ///< empty when no annotated picture is wanted
     bool json = false;
 };
 
-/// @param read   what is done with the pictures: "Pictures to search"
-/// @param shown  what the annotated picture shows: "what was found outlined"
-void AddPictureOptions(CLI::App& command, PictureOptions& options, const std::string& read, const std::string& shown);
+/// @param read   what is done with the pictures, for the help: "Pictures to search"
+/// @param shown  what the annotated picture shows, for the help: "the region outlined"
+void AddPicturesOptions(CLI::App& command, PicturesOptions& options, const std::string& read, const std::string& shown);
 
-/// Refuses an annotated picture where it is not that of one picture.
-/// @throws CLI::ValidationError  there are more, or it is the one that is read
-void CheckAnnotated(const PictureOptions& options);
+/// Checks that an annotated picture is wanted of one picture only, and does not overwrite it.
+/// @throws CLI::ValidationError  it is not so
+void CheckAnnotated(const PicturesOptions& options);
 
-/// Goes over the pictures and writes a line for each one, and the annotated picture where it is wanted. After a picture
-/// that fails it goes on.
-/// @param label  of the progress bar
+/// Analyses the pictures and writes a line for each one, and the annotated picture when it is wanted. It goes on after
+/// a picture that fails.
+/// @param label  the label of the progress bar
 /// @return the exit code
-int RunOverPictures(const PictureOptions& options, const std::string& label, FrameByFrame& verb);
+int RunOverPictures(const PicturesOptions& options, const std::string& label, FrameAnalyser& analyser);
 
 }  // namespace quarry::command

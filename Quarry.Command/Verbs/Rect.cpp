@@ -22,7 +22,7 @@ Example:
   quarry rect board.jpg --center 320,200 --size 180x90 --angle 30 --out part.png)";
 
 struct Options {
-    OnePictureOptions files;
+    PictureTransformOptions files;
     TurnedRect rect;
     bool nearest = false;
 };
@@ -41,7 +41,7 @@ void SetSize(TurnedRect& rect, const std::string& text) {
 
 int Run(const Options& options) {
     const Interpolation interpolation = options.nearest ? Interpolation::Nearest : Interpolation::Bilinear;
-    return RunOverPicture(options.files, [&](const cv::Mat& picture) {
+    return TransformPicture(options.files, [&](const cv::Mat& picture) {
         return CloneOf(RectExtractor({interpolation})(ViewOf(picture), options.rect));
     });
 }
@@ -52,7 +52,7 @@ Verb AddRect(CLI::App& commandLine) {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = commandLine.add_subcommand("rect", "Cuts a turned rectangle out of a picture");
     command->footer(kFooter);
-    AddPictureOptions(*command, options->files, "the rectangle, upright,");
+    AddPictureTransformOptions(*command, options->files, "the rectangle, upright,");
     command
         ->add_option_function<std::string>(
             "--center", [options](const std::string& text) { SetCentre(options->rect, text); },

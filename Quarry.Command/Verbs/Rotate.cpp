@@ -20,13 +20,13 @@ Example:
   quarry rotate board.jpg --angle 30 --out board-turned.png)";
 
 struct Options {
-    OnePictureOptions files;
+    PictureTransformOptions files;
     double angle = 0;
     double scale = 1;
 };
 
 int Run(const Options& options) {
-    return RunOverPicture(options.files, [&](const cv::Mat& picture) {
+    return TransformPicture(options.files, [&](const cv::Mat& picture) {
         return CloneOf(RotationTransform({picture.cols, picture.rows})(ViewOf(picture), options.angle, options.scale));
     });
 }
@@ -38,7 +38,7 @@ Verb AddRotate(CLI::App& commandLine) {
     CLI::App* const command =
         commandLine.add_subcommand("rotate", "Turns a picture about its middle, keeping its corners and its size");
     command->footer(kFooter);
-    AddPictureOptions(*command, options->files, "the turned picture");
+    AddPictureTransformOptions(*command, options->files, "the turned picture");
     command->add_option("--angle", options->angle, "How far to turn it counter-clockwise, in degrees")
         ->check(Within(-360, 360))
         ->required();

@@ -1,7 +1,7 @@
+#include <fmt/format.h>
 #include <sysexits.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <climits>
 #include <cmath>
 #include <csignal>
@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <opencv2/core.hpp>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +19,7 @@
 #include "Console.h"
 #include "Fingerprint.h"
 #include "Manifest.h"
+#include "Numbers.h"
 #include "Options.h"
 #include "Progress.h"
 #include "Scanning.h"
@@ -36,10 +38,9 @@ With - the lines come from standard input, relative to the working directory.
 DIR/NAME.jsonl gets the lines of the video NAME: first the version, the operation, its options
 and the video's SHA-256, then an object per frame as --json of the verb gives it, without its
 `milliseconds`, and last the number of frames. The last digits of flow and people depend on the
-processor's instructions, which then stand among the options. The file is there when it is
-complete, and not before. A video with such lines is skipped; one whose lines are of other
-options, of another version or of other contents is done anew. So what was interrupted is
-simply started again.
+processor's instructions, which then stand among the options. The file appears when it is
+complete. A video with such lines is skipped; one whose lines are of other options, of another
+version or of other contents is done anew. So what was interrupted is simply started again.
 A video that cannot be played has an `error` in its last line, and the others go on.
 
 Where many processes share the work each takes a --shard; `quarry merge` makes one file of all.
@@ -51,7 +52,7 @@ Exit codes:
   70   an error in the command itself: report it
   2    wrong usage
   130, 143  interrupted by SIGINT or SIGTERM: what is finished stays
-Of several 70 comes before 75, and 75 before 65.
+When several apply, 70 comes before 75, and 75 before 65.
 
 Examples:
   quarry scan sharpness --manifest videos --out lines
@@ -59,28 +60,29 @@ Examples:
   find . -name '*.mp4' | quarry scan flow --manifest - --out /data/lines --threads 4)";
 
 constexpr const char* kOperationFooter =
-    "`quarry scan --help` tells the other options, `quarry %s --help` what the numbers mean.";
+    "`quarry scan --help` tells the other options, `quarry {} --help` what the numbers mean.";
 
 struct Options {
     std::string manifest;
     std::string out;
-    int shard = 1;  ///< which one of so many
-    int shards = 1;
+    int shard = 1;   ///< the part of the videos that is scanned, from 1
+    int shards = 1;  ///< the number of parts
     FrameRange frames;
     int threads = 1;
 };
 
 void SetShard(Options& options, const std::string& text) {
-    const char* const end = text.data() + text.size();
-    const auto [slash, noIndex] = std::from_chars(text.data(), end, options.shard);
-    if (noIndex == std::errc() && slash != end && *slash == '/') {
-        const auto [after, noCount] = std::from_chars(slash + 1, end, options.shards);
-        if (noCount == std::errc() && after == end && options.shard >= 1 && options.shard <= options.shards) return;
+    const auto numbers = ReadNumbers<int, 2>(text, '/');
+    if (numbers && numbers->front() >= 1 && numbers->front() <= numbers->back()) {
+        options.shard = numbers->front();
+        options.shards = numbers->back();
+        return;
     }
     throw CLI::ValidationError("--shard", "must be I/N, whole numbers with I from 1 to N, not " + text);
 }
 
-/// A number where the text is one: 0.5, 0.50 and .5 are the same option, and so are 10 and 10.0.
+/// A number when the text is one, so that 0.5, 0.50 and .5 are the same value, and so are 10 and 10.0. Otherwise the
+/// text.
 nlohmann::ordered_json ValueOf(const std::string& text) {
     const std::string written = text.rfind('.', 0) == 0 ? "0" + text : text;
     const nlohmann::ordered_json value = nlohmann::ordered_json::parse(written, nullptr, false);
@@ -91,14 +93,16 @@ nlohmann::ordered_json ValueOf(const std::string& text) {
     return isWhole ? nlohmann::ordered_json(static_cast<int64_t>(number)) : value;
 }
 
-/// A list where there are commas.
+/// A list of such values when the text has commas.
 nlohmann::ordered_json ValuesOf(const std::string& text) {
     nlohmann::ordered_json values;
-    for (const std::string& part : CLI::detail::split(text, ',')) values.push_back(ValueOf(part));
+    std::istringstream parts(text);
+    for (std::string part; std::getline(parts, part, ',');) values.push_back(ValueOf(part));
     return values.size() > 1 ? values : ValueOf(text);
 }
 
-/// Null where it was not given and the default depends on the video or is the library's own.
+/// The value of an option. It is null when the option was not given and has no fixed default, because the default
+/// depends on the video or is the library's own.
 nlohmann::ordered_json ValueOf(const CLI::Option& option) {
     if (option.get_expected_max() == 0) return option.as<bool>();
     if (option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll) {
@@ -115,31 +119,31 @@ nlohmann::ordered_json ValueOf(const CLI::Option& option) {
 }
 
 /// Whether OpenCV adds in another order, and so rounds differently, where the processor has AVX2.
-bool DependsOnInstructions(const std::string& operation) {
-    return operation == "flow" || operation == "people";
+bool DependsOnInstructions(const std::string& verb) {
+    return verb == "flow" || verb == "people";
 }
 
-/// All that the results depend on: the options of the operation, in the order of its help, the choice of frames, and
-/// the processor's instructions where they count.
-nlohmann::ordered_json ResultOptions(const CLI::App& operation, const FrameRange& frames) {
+/// All that the results depend on: the options of the verb, in the order of its help, the selection of frames, and the
+/// processor's instructions where they count.
+nlohmann::ordered_json ResultOptions(const CLI::App& verb, const FrameRange& frames) {
     nlohmann::ordered_json values = nlohmann::ordered_json::object();
-    for (const CLI::Option* const option : operation.get_options()) {
-        if (option != operation.get_help_ptr()) values[option->get_lnames().front()] = ValueOf(*option);
+    for (const CLI::Option* const option : verb.get_options()) {
+        if (option != verb.get_help_ptr()) values[option->get_lnames().front()] = ValueOf(*option);
     }
     values["first"] = frames.first;
     values["end"] = nullptr;
     if (frames.end != INT_MAX) values["end"] = frames.end;
     values["every"] = frames.every;
-    if (DependsOnInstructions(operation.get_name())) {
+    if (DependsOnInstructions(verb.get_name())) {
         values["instructions"] = cv::checkHardwareSupport(CV_CPU_AVX2) ? "avx2" : "baseline";
     }
     return values;
 }
 
-/// Refuses what no video could be scanned with.
-void CheckCanBegin(const Beginning& begin) {
+/// Makes an analyser once, so that options with which no video could be scanned are refused before the first one.
+void CheckOptions(const FrameAnalyserFactory& makeAnalyser) {
     try {
-        begin();
+        makeAnalyser();
     } catch (const Failure& unusable) {
         throw CLI::ValidationError(unusable.what());
     }
@@ -162,8 +166,8 @@ int ScanAll(const Options& options, const Scanning& scanning) {
         progress.Advance();
     }
     progress.Clear();
-    PrintError(Format("%d done, %d skipped, %d bad, %d failed", counts[Outcome::Done], counts[Outcome::Skipped],
-                      counts[Outcome::Bad], counts[Outcome::Failed] + counts[Outcome::Bug]));
+    PrintError(fmt::format("{} done, {} skipped, {} bad, {} failed", counts[Outcome::Done], counts[Outcome::Skipped],
+                           counts[Outcome::Bad], counts[Outcome::Failed] + counts[Outcome::Bug]));
     if (counts[Outcome::Bug] > 0) return EX_SOFTWARE;
     if (counts[Outcome::Failed] > 0) return EX_TEMPFAIL;
     return counts[Outcome::Bad] > 0 ? EX_DATAERR : kExitFine;
@@ -173,19 +177,20 @@ void EndAtOnce(int signal) {
     _exit(128 + signal);
 }
 
-/// Lets the command end as shells name it, with what is unfinished removed.
+/// Makes SIGINT and SIGTERM end the command with the exit code that shells give for them. OutputFile takes the signals
+/// over while there is an unfinished file, removes it and then calls this handler.
 void EndOnSignals() {
     for (const int signal : {SIGINT, SIGTERM}) {
         if (std::signal(signal, EndAtOnce) == SIG_IGN) std::signal(signal, SIG_IGN);
     }
 }
 
-int Run(const Options& options, const CLI::App& command, const Beginning& begin) try {
+int Run(const Options& options, const CLI::App& command, const FrameAnalyserFactory& makeAnalyser) try {
     EndOnSignals();
     cv::setNumThreads(options.threads);
     const nlohmann::ordered_json values = ResultOptions(command, options.frames);
-    CheckCanBegin(begin);
-    return ScanAll(options, {command.get_name(), values, begin, options.frames, options.out});
+    CheckOptions(makeAnalyser);
+    return ScanAll(options, {command.get_name(), values, makeAnalyser, options.frames, options.out});
 } catch (const CLI::Error&) {
     throw;
 } catch (...) {
@@ -195,7 +200,7 @@ int Run(const Options& options, const CLI::App& command, const Beginning& begin)
 
 }  // namespace
 
-Verb AddScan(CLI::App& commandLine) {
+Verb AddScan(CLI::App& commandLine, const std::vector<Verb>& verbs) {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = commandLine.add_subcommand(
         "scan",
@@ -216,18 +221,17 @@ Verb AddScan(CLI::App& commandLine) {
         ->type_name("N")
         ->check(Within(1, 1024))
         ->capture_default_str();
-    std::vector<std::pair<CLI::App*, Beginning>> operations;
-    for (const FrameOperation& operation :
-         {SharpnessOperation(), BackgroundOperation(), TrackOperation(), FlowOperation(), ContoursOperation(),
-          OccupancyOperation(), ClustersOperation(), DetectOperation(), PeopleOperation(), FireOperation()}) {
-        const char* const name = operation.name.c_str();
-        CLI::App* const nested = AddCommand(*command, operation, Format(kOperationFooter, name));
+    std::vector<std::pair<CLI::App*, FrameAnalyserFactory>> scans;
+    for (const Verb& verb : verbs) {
+        if (!verb.overFrames) continue;
+        CLI::App* const nested =
+            AddCommand(*command, *verb.overFrames, fmt::format(kOperationFooter, verb.overFrames->name));
         nested->fallthrough();
-        operations.emplace_back(nested, operation.addOptions(*nested));
+        scans.emplace_back(nested, verb.overFrames->addOptions(*nested));
     }
-    return {command, [options, operations] {
-                for (const auto& [operation, begin] : operations) {
-                    if (operation->parsed()) return Run(*options, *operation, begin);
+    return {command, [options, scans] {
+                for (const auto& [scan, makeAnalyser] : scans) {
+                    if (scan->parsed()) return Run(*options, *scan, makeAnalyser);
                 }
                 throw CLI::ParseError("an operation is required; quarry scan --help lists them",
                                       CLI::ExitCodes::RequiredError);

@@ -1,11 +1,14 @@
+#include <fmt/format.h>
+
 #include <cstdint>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "Console.h"
+#include "JsonInput.h"
+#include "JsonLine.h"
 #include "Options.h"
-#include "PolygonFile.h"
 #include "Statistics.h"
 #include "Verbs.h"
 
@@ -46,7 +49,7 @@ int Run(const Options& options) {
     } else if (!comparable) {
         std::cout << "rate  none: only one of the shapes has an area\n";
     } else {
-        std::cout << Format("rate  %.6f per second\n", rate);
+        std::cout << fmt::format("rate  {:.6f} per second\n", rate);
     }
     return kExitFine;
 }

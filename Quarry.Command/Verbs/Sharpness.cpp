@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/HostOpenCV.hpp>
 #include <array>
 #include <memory>
@@ -27,17 +29,17 @@ Examples:
   quarry sharpness --face 260,270,60,85 portrait.jpg --json)";
 
 /// Measures whole pictures, or the face in them.
-class Sharpness : public FrameByFrame {
+class Sharpness : public FrameAnalyser {
 public:
     explicit Sharpness(const std::optional<FaceEllipse>& face_) : face(face_) {}
 
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         const ImageView pixels = ViewOf(frame.pixels);
         variance = face ? measureFace(pixels, *face) : measure(pixels);
     }
 
-    std::string TableHead() const override { return Format("%12s", "variance"); }
-    std::string TableRow() const override { return Format("%12.2f", static_cast<double>(variance)); }
+    std::string TableHead() const override { return "    variance"; }
+    std::string TableRow() const override { return fmt::format("{:12.2f}", variance); }
 
     nlohmann::ordered_json Fields() const override {
         nlohmann::ordered_json fields;
@@ -59,7 +61,7 @@ FaceEllipse FaceOf(const std::string& text) {
     return {x, y, halfWidth, halfHeight};
 }
 
-Beginning AddOwnOptions(CLI::App& command) {
+FrameAnalyserFactory AddOwnOptions(CLI::App& command) {
     const auto face = std::make_shared<std::optional<FaceEllipse>>();
     command
         .add_option_function<std::string>(
@@ -71,20 +73,18 @@ Beginning AddOwnOptions(CLI::App& command) {
 
 }  // namespace
 
-FrameOperation SharpnessOperation() {
-    return {"sharpness",
-            "How sharp pictures, or faces in them, are: the variance of their Laplacian, in squared grey levels",
-            AddOwnOptions};
-}
-
 Verb AddSharpness(CLI::App& commandLine) {
-    const auto options = std::make_shared<PictureOptions>();
-    const FrameOperation operation = SharpnessOperation();
-    CLI::App* const command = AddCommand(commandLine, operation, kFooter);
+    const FrameVerb overFrames = {
+        "sharpness",
+        "How sharp pictures, or faces in them, are: the variance of their Laplacian, in squared grey levels",
+        AddOwnOptions};
+    const auto options = std::make_shared<PicturesOptions>();
+    CLI::App* const command = AddCommand(commandLine, overFrames, kFooter);
     command->add_option("IMAGE", options->pictures, "Pictures to measure")->required();
-    const Beginning begin = operation.addOptions(*command);
+    const FrameAnalyserFactory makeAnalyser = overFrames.addOptions(*command);
     command->add_flag("--json", options->json, "Write one JSON object per line instead of a table");
-    return {command, [options, begin] { return RunOverPictures(*options, "sharpness", *begin()); }};
+    return {command, [options, makeAnalyser] { return RunOverPictures(*options, "sharpness", *makeAnalyser()); },
+            overFrames};
 }
 
 }  // namespace quarry::command

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <Quarry/Host.hpp>
 #include <array>
 #include <cmath>
@@ -8,6 +10,7 @@
 
 #include "Console.h"
 #include "JsonInput.h"
+#include "JsonLine.h"
 #include "Options.h"
 #include "Verbs.h"
 
@@ -57,7 +60,7 @@ int Run(const Options& options) {
     } else if (std::isnan(similarity)) {
         std::cout << "similarity  not a number: an embedding is all zeros\n";
     } else {
-        std::cout << Format("similarity  %.6f\n", similarity);
+        std::cout << fmt::format("similarity  {:.6f}\n", similarity);
     }
     return kExitFine;
 }

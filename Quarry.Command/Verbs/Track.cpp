@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <array>
 #include <memory>
 #include <string>
@@ -37,51 +39,52 @@ struct Options {
 void CheckLiesWithin(const cv::Rect& target, const cv::Size& frame) {
     const bool fits = target.width <= frame.width && target.height <= frame.height;
     if (fits && !(target & cv::Rect({0, 0}, frame)).empty()) return;
-    throw CLI::ValidationError("--rect",
-                               Format("%d,%d,%d,%d is %s the frame of %d x %d pixels", target.x, target.y, target.width,
-                                      target.height, fits ? "outside" : "larger than", frame.width, frame.height));
+    throw CLI::ValidationError(
+        "--rect", fmt::format("{},{},{},{} is {} the frame of {} x {} pixels", target.x, target.y, target.width,
+                              target.height, fits ? "outside" : "larger than", frame.width, frame.height));
 }
 
-class Tracking : public FrameByFrame {
+class Tracking : public FrameAnalyser {
 public:
     explicit Tracking(const Options& options)
         : target(options.target), tracker(options.target, static_cast<TrackerMode>(options.mode)) {}
 
-    void Take(const VideoFrame& frame) override {
+    void Analyse(const VideoFrame& frame) override {
         if (milliseconds.empty()) CheckLiesWithin(target, frame.pixels.size());
         last = frame;
-        view = tracker.Take(frame.pixels);
-        milliseconds.push_back(view.milliseconds);
-        found += view.found ? 1 : 0;
+        tracked = tracker.Update(frame.pixels);
+        milliseconds.push_back(tracked.milliseconds);
+        found += tracked.found ? 1 : 0;
     }
 
     std::string TableHead() const override { return "       x       y   width  height  found        ms"; }
 
     std::string TableRow() const override {
-        return Format("  %6d  %6d  %6d  %6d  %-5s  %8.2f", view.target.x, view.target.y, view.target.width,
-                      view.target.height, view.found ? "yes" : "no", view.milliseconds);
+        return fmt::format("  {:6}  {:6}  {:6}  {:6}  {:<5}  {:8.2f}", tracked.target.x, tracked.target.y,
+                           tracked.target.width, tracked.target.height, tracked.found ? "yes" : "no",
+                           tracked.milliseconds);
     }
 
     nlohmann::ordered_json Fields() const override {
-        return {{"x", view.target.x},           {"y", view.target.y},  {"width", view.target.width},
-                {"height", view.target.height}, {"found", view.found}, {"milliseconds", view.milliseconds}};
+        return {{"x", tracked.target.x},           {"y", tracked.target.y},  {"width", tracked.target.width},
+                {"height", tracked.target.height}, {"found", tracked.found}, {"milliseconds", tracked.milliseconds}};
     }
 
     cv::Mat Annotated() const override {
-        return WithCaption(MarkTarget(last.pixels, view.target, view.found),
-                           Format("frame %d   %.2f s   %s   %d, %d", last.index, last.seconds,
-                                  view.found ? "found" : "lost", view.target.x, view.target.y));
+        return WithCaption(MarkTarget(last.pixels, tracked.target, tracked.found),
+                           CaptionStart(last) + fmt::format("{}   {}, {}", tracked.found ? "found" : "lost",
+                                                            tracked.target.x, tracked.target.y));
     }
 
     std::string Summary() const override {
-        return Format("target found in %d, %.2f ms per frame (median)", found, Quantile(milliseconds, 0.5));
+        return fmt::format("target found in {}, {:.2f} ms per frame (median)", found, Quantile(milliseconds, 0.5));
     }
 
 private:
     cv::Rect target;
     Tracker tracker;
     VideoFrame last{};
-    TrackView view{};
+    TrackedTarget tracked{};
     std::vector<double> milliseconds;
     int found = 0;
 };
@@ -94,7 +97,7 @@ cv::Rect TargetOf(const std::string& text) {
     return {x, y, width, height};
 }
 
-Beginning AddOwnOptions(CLI::App& command) {
+FrameAnalyserFactory AddOwnOptions(CLI::App& command) {
     const auto options = std::make_shared<Options>();
     command
         .add_option_function<std::string>(
@@ -110,13 +113,12 @@ Beginning AddOwnOptions(CLI::App& command) {
 
 }  // namespace
 
-FrameOperation TrackOperation() {
-    return {"track", "Follows one target through a video, from a rectangle in the first frame that is read",
-            AddOwnOptions};
-}
-
 Verb AddTrack(CLI::App& commandLine) {
-    return AddVideoVerb(commandLine, TrackOperation(), kFooter, "the rectangle drawn");
+    return AddVideoVerb(
+        commandLine,
+        {"track", "Follows one target through a video, from a rectangle in the first frame that is read",
+         AddOwnOptions},
+        kFooter, "the rectangle drawn");
 }
 
 }  // namespace quarry::command

@@ -1,53 +1,44 @@
 /// @file
-/// The verbs of the command: each adds its subcommand to the command line and runs it when it was chosen.
+/// The verbs of the command. Each has a source of its own, with a function that adds it to the command line.
 #pragma once
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "FrameAnalyser.h"
+#include "VerbNames.h"
 
 namespace quarry::command {
 
-struct Verb {
-    CLI::App* command;         ///< owned by the command line it was added to
-    std::function<int()> run;  ///< gives the exit code; throws when the verb fails as a whole
+/// A verb over frames, which `scan` applies to many videos too.
+struct FrameVerb {
+    std::string name;
+    std::string description;
+    /// Adds the options that the results depend on.
+    std::function<FrameAnalyserFactory(CLI::App&)> addOptions;
 };
 
-Verb AddSharpness(CLI::App& commandLine);
-Verb AddBackground(CLI::App& commandLine);
-Verb AddDiff(CLI::App& commandLine);
-Verb AddSimilarity(CLI::App& commandLine);
-Verb AddDenoise(CLI::App& commandLine);
-Verb AddTrack(CLI::App& commandLine);
-Verb AddFlow(CLI::App& commandLine);
-Verb AddContours(CLI::App& commandLine);
-Verb AddOccupancy(CLI::App& commandLine);
-Verb AddClusters(CLI::App& commandLine);
-Verb AddInside(CLI::App& commandLine);
-Verb AddShapeRate(CLI::App& commandLine);
-Verb AddRect(CLI::App& commandLine);
-Verb AddClothing(CLI::App& commandLine);
-Verb AddColours(CLI::App& commandLine);
-Verb AddAlign(CLI::App& commandLine);
-Verb AddRotate(CLI::App& commandLine);
-Verb AddPeople(CLI::App& commandLine);
-Verb AddDetect(CLI::App& commandLine);
-Verb AddFire(CLI::App& commandLine);
-Verb AddList(CLI::App& commandLine);
-Verb AddDescribe(CLI::App& commandLine);
-Verb AddScan(CLI::App& commandLine);
-Verb AddMerge(CLI::App& commandLine);
+/// Adds the verb to the command line, without any options.
+CLI::App* AddCommand(CLI::App& commandLine, const FrameVerb& verb, const std::string& footer);
 
-FrameOperation SharpnessOperation();
-FrameOperation BackgroundOperation();
-FrameOperation TrackOperation();
-FrameOperation FlowOperation();
-FrameOperation ContoursOperation();
-FrameOperation OccupancyOperation();
-FrameOperation ClustersOperation();
-FrameOperation PeopleOperation();
-FrameOperation DetectOperation();
-FrameOperation FireOperation();
+struct Verb {
+    CLI::App* command;                                   ///< owned by the command line that it was added to
+    std::function<int()> run;                            ///< gives the exit code; throws when the verb fails as a whole
+    std::optional<FrameVerb> overFrames = std::nullopt;  ///< what `scan` applies; none for most verbs
+};
+
+/// Adds all verbs: those of operations in the order of the table of operations, then the others.
+std::vector<Verb> AddVerbs(CLI::App& commandLine);
+
+#define QUARRY_DECLARE_VERB(Name) Verb Add##Name(CLI::App& commandLine);
+QUARRY_OPERATION_VERBS(QUARRY_DECLARE_VERB)
+QUARRY_OTHER_VERBS(QUARRY_DECLARE_VERB)
+#undef QUARRY_DECLARE_VERB
+
+/// @param verbs  those that it may apply to many videos
+Verb AddScan(CLI::App& commandLine, const std::vector<Verb>& verbs);
 
 }  // namespace quarry::command

@@ -1,5 +1,7 @@
 #include "VideoVerb.h"
 
+#include <fmt/format.h>
+
 #include <cstddef>
 #include <iostream>
 #include <memory>
@@ -7,6 +9,7 @@
 
 #include "Console.h"
 #include "Interruption.h"
+#include "JsonLine.h"
 #include "Media.h"
 #include "Options.h"
 #include "Progress.h"
@@ -16,7 +19,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// A value as a cell (RFC 4180): text as it is, nothing for null, lists as JSON.
+/// A value as a cell after RFC 4180. Text stays as it is, null becomes an empty cell, and a list is written as JSON.
 std::string CsvCell(const Json& value) {
     if (value.is_null()) return "";
     std::string text = value.is_string() ? value.get<std::string>() : value.dump();
@@ -32,22 +35,22 @@ std::string CsvLine(const Json& object, bool names) {
     return line + "\n";
 }
 
-/// The lines of a frame on the standard output.
-void WriteLines(const VideoOptions& options, const VideoFrame& frame, const FrameByFrame& verb, bool isFirst) {
+/// Writes the line of a frame to the standard output, after the head line when it is the first frame.
+void WriteLines(const VideoOptions& options, const VideoFrame& frame, const FrameAnalyser& analyser, bool isFirst) {
     if (options.json) {
-        std::cout << JsonLine(ObjectOf(frame, verb));
+        std::cout << JsonLine(ObjectOf(frame, analyser));
     } else if (options.csv) {
-        const Json object = ObjectOf(frame, verb);
+        const Json object = ObjectOf(frame, analyser);
         if (isFirst) std::cout << CsvLine(object, true);
         std::cout << CsvLine(object, false);
     } else {
-        if (isFirst) std::cout << "frame    time s" << verb.TableHead() << '\n';
-        std::cout << Format("%5d  %8.3f", frame.index, frame.seconds) << verb.TableRow() << '\n';
+        if (isFirst) std::cout << "frame    time s" << analyser.TableHead() << '\n';
+        std::cout << fmt::format("{:5}  {:8.3f}", frame.index, frame.seconds) << analyser.TableRow() << '\n';
     }
 }
 
 /// @return the exit code
-int Play(const VideoOptions& options, const std::string& label, FrameByFrame& verb) {
+int Play(const VideoOptions& options, const std::string& label, FrameAnalyser& analyser) {
     SelectedFrames frames(options.video, options.frames);
     std::optional<VideoFile> annotated;
     if (!options.annotated.empty()) annotated.emplace(options.annotated, frames.framesPerSecond());
@@ -55,17 +58,17 @@ int Play(const VideoOptions& options, const std::string& label, FrameByFrame& ve
     const Interruption interruption;
     int taken = 0;
     for (VideoFrame frame{}; !interruption.IsRequested() && frames.Next(frame); ++taken) {
-        verb.Take(frame);
-        if (annotated) annotated->Write(verb.Annotated());
+        analyser.Analyse(frame);
+        if (annotated) annotated->Write(analyser.Annotated());
         progress.MakeWay();
-        WriteLines(options, frame, verb, taken == 0);
+        WriteLines(options, frame, analyser, taken == 0);
         progress.Advance();
     }
     progress.Clear();
     if (taken == 0 && interruption.IsRequested()) return kExitInterrupted;
     if (taken == 0) throw Failure(options.video + ": holds no frames" + (options.frames.first > 0 ? " there" : ""));
     if (annotated) annotated->Finish();
-    if (!options.json && !options.csv) std::cout << taken << " frames, " << verb.Summary() << '\n';
+    if (!options.json && !options.csv) std::cout << taken << " frames, " << analyser.Summary() << '\n';
     return interruption.IsRequested() ? kExitInterrupted : kExitFine;
 }
 
@@ -89,11 +92,11 @@ void AddVideoOptions(CLI::App& command, VideoOptions& options, const std::string
         ->check(Within(1, 1024));
 }
 
-int RunOverVideo(const VideoOptions& options, const std::string& label, FrameByFrame& verb) {
+int RunOverVideo(const VideoOptions& options, const std::string& label, FrameAnalyser& analyser) {
     CheckIsNotAnInput("--out", options.annotated, {options.video});
     if (options.threads > 0) cv::setNumThreads(options.threads);
     try {
-        return Play(options, label, verb);
+        return Play(options, label, analyser);
     } catch (const Failure&) {
         throw;
     } catch (const CLI::Error&) {
@@ -103,13 +106,19 @@ int RunOverVideo(const VideoOptions& options, const std::string& label, FrameByF
     }
 }
 
-Verb AddVideoVerb(CLI::App& commandLine, const FrameOperation& operation, const std::string& footer,
+Verb AddVideoVerb(CLI::App& commandLine, const FrameVerb& overFrames, const std::string& footer,
                   const std::string& shown) {
     const auto options = std::make_shared<VideoOptions>();
-    CLI::App* const command = AddCommand(commandLine, operation, footer);
+    CLI::App* const command = AddCommand(commandLine, overFrames, footer);
     AddVideoOptions(*command, *options, shown);
-    const Beginning begin = operation.addOptions(*command);
-    return {command, [options, begin, label = operation.name] { return RunOverVideo(*options, label, *begin()); }};
+    const FrameAnalyserFactory makeAnalyser = overFrames.addOptions(*command);
+    return {command,
+            [options, makeAnalyser, label = overFrames.name] { return RunOverVideo(*options, label, *makeAnalyser()); },
+            overFrames};
+}
+
+std::string CaptionStart(const VideoFrame& frame) {
+    return frame.timestamp == 0 ? "" : fmt::format("frame {}   {:.2f} s   ", frame.index, frame.seconds);
 }
 
 }  // namespace quarry::command

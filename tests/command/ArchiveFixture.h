@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 
 namespace quarry::test {
 
@@ -41,12 +41,9 @@ protected:
     }
 
     static Arguments ScanArguments(const std::string& operation, const std::string& out, const Arguments& more = {}) {
-        Arguments arguments = {"scan", operation, "--out", out};
-        if (std::find(more.begin(), more.end(), "--manifest") == more.end()) {
-            arguments.insert(arguments.end(), {"--manifest", "videos"});
-        }
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return arguments;
+        const bool isGiven = std::find(more.begin(), more.end(), "--manifest") != more.end();
+        const Arguments manifest = isGiven ? Arguments() : Arguments{"--manifest", "videos"};
+        return Arguments{"scan", operation, "--out", out} + manifest + more;
     }
 
     std::string Merged(const std::string& out) const {

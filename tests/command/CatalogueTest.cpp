@@ -1,98 +1,50 @@
+#include <Quarry/Operations.h>
 #include <Quarry/Quarry.h>
 
 #include <algorithm>
+#include <cctype>
 #include <map>
 #include <regex>
 
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 
 using namespace quarry::test;
 
 namespace {
 
-const std::map<std::string, std::size_t> kLengths = {
-    {"AffineTransformData", sizeof(AffineTransformData)},
-    {"BackgroundData", sizeof(BackgroundData)},
-    {"BackgroundOptions", sizeof(BackgroundOptions)},
-    {"BackgroundResult", sizeof(BackgroundResult)},
-    {"BinaryImageOperationData", sizeof(BinaryImageOperationData)},
-    {"BinaryImageOperationOptions", sizeof(BinaryImageOperationOptions)},
-    {"ClassificationData", sizeof(ClassificationData)},
-    {"ClassificationOptions", sizeof(ClassificationOptions)},
-    {"ClassificationResult", sizeof(ClassificationResult)},
-    {"ClustererData", sizeof(ClustererData)},
-    {"ClustererOptions", sizeof(ClustererOptions)},
-    {"ClustererResult", sizeof(ClustererResult)},
-    {"ColorComparingInputData", sizeof(ColorComparingInputData)},
-    {"ColorComparingOptions", sizeof(ColorComparingOptions)},
-    {"ColorComparingOutputData", sizeof(ColorComparingOutputData)},
-    {"ContourCalcingInputData", sizeof(ContourCalcingInputData)},
-    {"ContourCalcingOptions", sizeof(ContourCalcingOptions)},
-    {"ContourInstersectionProcessorResult", sizeof(ContourInstersectionProcessorResult)},
-    {"ContourIntersectionProcessorData", sizeof(ContourIntersectionProcessorData)},
-    {"ContourIntersectionProcessorOptions", sizeof(ContourIntersectionProcessorOptions)},
-    {"ContourMaskProcessorData", sizeof(ContourMaskProcessorData)},
-    {"ContourMaskProcessorOptions", sizeof(ContourMaskProcessorOptions)},
-    {"ContourMaskProcessorResult", sizeof(ContourMaskProcessorResult)},
-    {"ContourRateMeasuringInputData", sizeof(ContourRateMeasuringInputData)},
-    {"ContourRateMeasuringOptions", sizeof(ContourRateMeasuringOptions)},
-    {"ContourRateMeasuringOutputData", sizeof(ContourRateMeasuringOutputData)},
-    {"ContourResult", sizeof(ContourResult)},
-    {"CosineOutputData", sizeof(CosineOutputData)},
-    {"EmbeddingData", sizeof(EmbeddingData)},
-    {"FaceVoLInputData", sizeof(FaceVoLInputData)},
-    {"FilterData", sizeof(FilterData)},
-    {"FilterOptions", sizeof(FilterOptions)},
-    {"FilterResult", sizeof(FilterResult)},
-    {"FireInputData", sizeof(FireInputData)},
-    {"FireOutputData", sizeof(FireOutputData)},
-    {"ImageOperationResult", sizeof(ImageOperationResult)},
-    {"KMeanData", sizeof(KMeanData)},
-    {"KMeanOptions", sizeof(KMeanOptions)},
-    {"KMeanResult", sizeof(KMeanResult)},
-    {"MosseTrackerData", sizeof(MosseTrackerData)},
-    {"MosseTrackerOptions", sizeof(MosseTrackerOptions)},
-    {"MosseTrackerResult", sizeof(MosseTrackerResult)},
-    {"OFCData", sizeof(OFCData)},
-    {"OFCOptions", sizeof(OFCOptions)},
-    {"OFCResult", sizeof(OFCResult)},
-    {"OFLineData", sizeof(OFLineData)},
-    {"OFLineOptions", sizeof(OFLineOptions)},
-    {"OFLineResult", sizeof(OFLineResult)},
-    {"ProcessOptions", sizeof(ProcessOptions)},
-    {"RectExtractorData", sizeof(RectExtractorData)},
-    {"RectExtractorOptions", sizeof(RectExtractorOptions)},
-    {"RectExtractorResult", sizeof(RectExtractorResult)},
-    {"RotationTransformData", sizeof(RotationTransformData)},
-    {"TransformOptions", sizeof(TransformOptions)},
-    {"TransformResult", sizeof(TransformResult)},
-    {"VoLInputData", sizeof(VoLInputData)},
-    {"VoLOutputData", sizeof(VoLOutputData)},
-};
-
-const std::map<std::string, std::size_t> kSharedLengths = {
-    {"AbsVector", sizeof(AbsVector)},
-    {"AbsVectorMatrix", sizeof(AbsVectorMatrix)},
-    {"Cluster", sizeof(Cluster)},
-    {"Contour", sizeof(Contour)},
-    {"FloatPoint", sizeof(FloatPoint)},
-    {"Image", sizeof(Image)},
-    {"Mask", sizeof(Mask)},
-    {"PixelRect", sizeof(PixelRect)},
-    {"PointArray", sizeof(PointArray)},
-    {"RelRect", sizeof(RelRect)},
-    {"Response", sizeof(Response)},
-};
-
-const std::map<std::string, std::size_t> kNumberSizes = {
-    {"uint8_t", 1},  {"int16_t", 2},  {"uint16_t", 2}, {"int32_t", 4},
-    {"uint32_t", 4}, {"uint64_t", 8}, {"float", 4},    {"double", 8},
-};
-
 /// What a type such as "uint32_t[3]", "const float*" or "Image" takes.
 struct Layout {
     std::size_t size;
     std::size_t alignment;
+};
+
+/// A row of the table of operations, as far as the command shows it.
+struct Row {
+    std::string name, factory, kind, source, verb;
+    std::vector<std::string> records;
+};
+#define QUARRY_ROW(Name, Factory, Options, Input, Result, Kind, Handle, Source, Verb) \
+    {#Name, #Factory, #Kind, #Source, Verb, {#Options, #Input, #Result}},
+const std::vector<Row> kRows = {QUARRY_OPERATIONS(QUARRY_ROW)};
+
+#define QUARRY_LENGTHS(Name, Factory, Options, Input, Result, ...) \
+    {#Options, sizeof(Options)}, {#Input, sizeof(Input)}, {#Result, sizeof(Result)},
+const std::map<std::string, std::size_t> kLengths = {QUARRY_OPERATIONS(QUARRY_LENGTHS)};
+
+#define QUARRY_LAYOUT(Record)               \
+    {                                       \
+#Record, {                          \
+            sizeof(Record), alignof(Record) \
+        }                                   \
+    }
+const std::map<std::string, Layout> kShared = {
+    QUARRY_LAYOUT(AbsVector),  QUARRY_LAYOUT(AbsVectorMatrix), QUARRY_LAYOUT(Cluster), QUARRY_LAYOUT(Contour),
+    QUARRY_LAYOUT(FloatPoint), QUARRY_LAYOUT(Image),           QUARRY_LAYOUT(Mask),    QUARRY_LAYOUT(PixelRect),
+    QUARRY_LAYOUT(PointArray), QUARRY_LAYOUT(RelRect),         QUARRY_LAYOUT(Response)};
+
+const std::map<std::string, std::size_t> kNumberSizes = {
+    {"uint8_t", 1},  {"int16_t", 2},  {"uint16_t", 2}, {"int32_t", 4},
+    {"uint32_t", 4}, {"uint64_t", 8}, {"float", 4},    {"double", 8},
 };
 
 Layout LayoutOf(const std::string& type) {
@@ -104,9 +56,7 @@ Layout LayoutOf(const std::string& type) {
     if (const auto number = kNumberSizes.find(type); number != kNumberSizes.end()) {
         return {number->second, number->second};
     }
-    const bool holdsEightBytes = type == "Image" || type == "Mask" || type == "Contour" || type == "PointArray" ||
-                                 type == "AbsVectorMatrix" || type == "Response" || type == "Cluster";
-    return {kSharedLengths.at(type), holdsEightBytes ? 8U : type == "PixelRect" ? 2U : 4U};
+    return kShared.at(type);
 }
 
 std::size_t RoundedUp(std::size_t value, std::size_t multiple) {
@@ -158,13 +108,9 @@ void ExpectWholeTables(const std::string& markdown) {
 
 class Catalogue : public QuarryCommand {
 protected:
-    std::vector<json> List() const { return JsonLines(Run({"list", "--json"}).out); }
+    std::vector<json> List() const { return RunJson({"list"}); }
 
-    json Describe(const std::string& name) const {
-        const Outcome outcome = Run({"describe", name, "--json"});
-        EXPECT_EQ(outcome.exitCode, 0) << name << outcome.err;
-        return JsonLines(outcome.out).at(0);
-    }
+    json Describe(const std::string& name) const { return RunJson({"describe", name}).at(0); }
 
     /// Descriptions of all operations.
     std::vector<json> All() const {
@@ -174,25 +120,48 @@ protected:
     }
 };
 
-TEST_F(Catalogue, ListsEveryFactoryOfTheLibraryOnce) {
-    std::vector<std::string> exported;
-    for (const std::string& line :
-         Lines(ContentsOf(fs::path(QUARRY_SOURCE_DIRECTORY) / "Quarry.OpenCV" / "exports.txt"))) {
-        if (line.rfind("CreateCV", 0) == 0) exported.push_back(line);
+std::string Lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+TEST_F(Catalogue, IsTheTableOfOperationsInItsOrder) {
+    const std::vector<json> listed = List();
+    ASSERT_EQ(listed.size(), kRows.size());
+    for (std::size_t i = 0; i < kRows.size(); ++i) {
+        const Row& row = kRows[i];
+        EXPECT_EQ(listed[i].at("name"), Lower(std::regex_replace(row.name, std::regex("(.)([A-Z])"), "$1-$2")));
+        EXPECT_EQ(listed[i].at("factory"), row.factory);
+        EXPECT_EQ(listed[i].at("kind"), Lower(row.kind));
+        EXPECT_EQ(listed[i].at("verb"), row.verb);
+        const json described = Describe(listed[i].at("name"));
+        for (std::size_t k = 0; k < 3; ++k) {
+            EXPECT_EQ(described.at(std::vector{"options", "input", "result"}[k]).at("name"), row.records[k])
+                << row.name;
+        }
     }
-    std::vector<std::string> listed;
-    std::set<std::string> names;
-    for (const json& operation : List()) {
-        listed.push_back(operation.at("factory"));
-        names.insert(operation.at("name").get<std::string>());
-        EXPECT_TRUE(std::regex_match(operation.at("name").get<std::string>(), std::regex("[a-z]+(-[a-z]+)+")))
-            << operation;
+}
+
+/// Kind, factory and the header of the records: that of the algorithm, or one that several share.
+TEST_F(Catalogue, TheReadmeHasTheSameTable) {
+    const fs::path source = QUARRY_SOURCE_DIRECTORY;
+    std::vector<std::string> lines = Lines(ContentsOf(source / "README.md"));
+    const auto head = std::find(lines.begin(), lines.end(), "| Operation | Kind | Factory | Records |");
+    ASSERT_GT(lines.end() - head, static_cast<std::ptrdiff_t>(kRows.size()) + 2);
+    for (std::size_t i = 0; i < kRows.size(); ++i) {
+        const Row& row = kRows[i];
+        const std::string& line = *(head + 2 + static_cast<std::ptrdiff_t>(i));
+        EXPECT_NE(line.find(" | " + Lower(row.kind) + " | `" + row.factory + "` | "), std::string::npos) << line;
+        std::smatch link;
+        ASSERT_TRUE(
+            std::regex_search(line, link, std::regex(R"(\[`(\w+)\.h`\]\((include/Quarry/Records/\1\.h)\) \|$)")))
+            << line;
+        const bool hasOwn = fs::exists(source / "include/Quarry/Records" / (row.source + ".h"));
+        if (hasOwn) EXPECT_EQ(link[1], row.source);
+        EXPECT_NE(ContentsOf(source / link[2].str()).find(row.records[1]), std::string::npos) << line;
     }
-    std::sort(exported.begin(), exported.end());
-    std::sort(listed.begin(), listed.end());
-    EXPECT_EQ(exported.size(), 22U);
-    EXPECT_EQ(listed, exported);
-    EXPECT_EQ(names.size(), listed.size());
+    EXPECT_NE((head + 2 + static_cast<std::ptrdiff_t>(kRows.size()))->rfind("| ", 0), 0U) << "no row too many";
 }
 
 TEST_F(Catalogue, ListIsATableWithALineForEach) {
@@ -218,13 +187,6 @@ TEST_F(Catalogue, NamesVerbsThatExist) {
     }
 }
 
-TEST_F(Catalogue, KindsAreThoseOfTheCallsThatAHostMakes) {
-    const std::set<std::string> updaters = {"background-model", "mosse-tracker", "dense-optical-flow"};
-    for (const json& operation : List()) {
-        EXPECT_EQ(operation.at("kind"), updaters.count(operation.at("name")) != 0 ? "updater" : "processor");
-    }
-}
-
 TEST_F(Catalogue, RecordsHaveTheirLengthsAndTags) {
     std::set<std::string> met;
     for (const json& operation : All()) {
@@ -238,11 +200,11 @@ TEST_F(Catalogue, RecordsHaveTheirLengthsAndTags) {
         }
         for (const json& shared : operation.at("records")) {
             const std::string name = shared.at("name");
-            EXPECT_EQ(shared.at("length"), kSharedLengths.at(name)) << name;
+            EXPECT_EQ(shared.at("length"), kShared.at(name).size) << name;
             met.insert(name);
         }
     }
-    EXPECT_EQ(met.size(), kLengths.size() + kSharedLengths.size());
+    EXPECT_EQ(met.size(), kLengths.size() + kShared.size());
 }
 
 TEST_F(Catalogue, FieldsCoverTheirRecordsButForPadding) {
@@ -298,7 +260,9 @@ TEST_F(Catalogue, TextAndMarkdownTellWhatJsonTells) {
 
 TEST_F(Catalogue, UnknownOperationsAreWrongUsageThatHelps) {
     ExpectOneLineError({"describe", "mose-traker"}, 2, "mose-traker; did you mean mosse-tracker?");
-    ExpectOneLineError({"describe", "sharpness"}, 2, "frame-sharpness or face-sharpness?");
+    ExpectOneLineError({"describe", "sharpness"}, 2, "variance-of-laplacian or face-variance-of-laplacian?");
+    ExpectOneLineError({"describe", "contour-gridd"}, 2, "did you mean contour-grid?");
+    ExpectOneLineError({"describe", "clothing-colours"}, 2, "did you mean clothing-colors?");
     ExpectOneLineError({"describe", "track"}, 2, "mosse-tracker?");
     ExpectOneLineError({"describe", "paint-by-numbers"}, 2, "quarry list");
     ExpectOneLineError({"describe", ""}, 2, "quarry list");

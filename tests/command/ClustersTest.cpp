@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 
 using namespace quarry::test;
 
@@ -53,15 +53,7 @@ protected:
     void WriteThings() const { cv::imwrite((folder / "things.png").string(), Things()); }
 
     json Clusters(const Arguments& more = {}) const {
-        Arguments arguments = {"clusters", "things.png", "--json"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        EXPECT_EQ(outcome.err, "");
-        const json line = JsonLines(outcome.out).at(0);
-        EXPECT_EQ(line.at("file"), "things.png");
-        EXPECT_GT(line.at("milliseconds").get<double>(), 0);
-        return line.at("clusters");
+        return RunJson(Arguments{"clusters", "things.png"} + more).at(0).at("clusters");
     }
 
     void ExpectClusters(const Arguments& more, int method, double minArea, std::size_t count) const {
@@ -94,8 +86,7 @@ TEST_F(ClustersCommand, TellTheSameInWordsAndAreDrawn) {
     const std::vector<std::string> lines = Lines(outcome.out);
     ASSERT_EQ(lines.size(), 2U) << outcome.out;
     EXPECT_EQ(std::stoi(lines[1]), 3);
-    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"things.png", "drawn.png"}));
-    const cv::Mat drawn = cv::imread((folder / "drawn.png").string());
+    const cv::Mat drawn = ReadPicture("drawn.png");
     EXPECT_EQ(drawn.at<cv::Vec3b>(22, 23), cv::Vec3b(255, 255, 255)) << "the centre of the box";
     const auto& border = drawn.at<cv::Vec3b>(20, 7);
     EXPECT_GT(border[2], border[0] + 60) << "orange";
@@ -103,39 +94,7 @@ TEST_F(ClustersCommand, TellTheSameInWordsAndAreDrawn) {
 
 TEST_F(ClustersCommand, OfAVideoAreTheThingsThatMove) {
     WriteVideo("clip.avi", 40);
-    const Outcome outcome = Run({"clusters", "clip.avi", "--json", "--out", "drawn.avi"});
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    const std::vector<json> lines = JsonLines(outcome.out);
-    ASSERT_EQ(lines.size(), 40U);
-    for (std::size_t i = 0; i < lines.size(); ++i) EXPECT_EQ(lines[i].at("frame"), i);
-    EXPECT_FALSE(lines.back().at("clusters").empty()) << "the square moves";
-    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi", "drawn.avi"}));
-    EXPECT_EQ(FramesOf(folder / "drawn.avi").size(), 40U);
-    const std::vector<std::string> table = Lines(Run({"clusters", "clip.avi"}).out);
-    ASSERT_EQ(table.size(), 42U);
-    EXPECT_EQ(table.back().rfind("40 frames, ", 0), 0U);
-}
-
-TEST_F(ClustersCommand, RefuseWrongUsage) {
-    WriteThings();
-    const std::set<std::string> before = FilesIn(folder);
-    ExpectOneLineError({"clusters"}, 2, "INPUT");
-    for (const char* const share : {"-0.1", "1.1", "nan", "much"}) {
-        ExpectOneLineError({"clusters", "things.png", "--min-area", share}, 2, "--min-area");
-    }
-    ExpectOneLineError({"clusters", "things.png", "--out", "drawn.avi"}, 2, "--out");
-    ExpectOneLineError({"clusters", "things.png", "--out", "things.png"}, 2, "--out");
-    EXPECT_EQ(FilesIn(folder), before);
-}
-
-TEST_F(ClustersCommand, AnInputThatFailsIsNamedAndLeavesNothingBehind) {
-    WriteText("text.avi", "not a video");
-    WriteText("text.png", "not a picture");
-    const std::set<std::string> before = FilesIn(folder);
-    ExpectOneLineError({"clusters", "missing.avi", "--out", "drawn.avi"}, 1, "missing.avi: no such file");
-    ExpectOneLineError({"clusters", "text.avi", "--out", "drawn.avi"}, 1, "text.avi: not a video");
-    ExpectOneLineError({"clusters", "text.png", "--out", "drawn.png"}, 1, "text.png: not a picture");
-    EXPECT_EQ(FilesIn(folder), before);
+    EXPECT_FALSE(RunJson({"clusters", "clip.avi"}).back().at("clusters").empty()) << "the square moves";
 }
 
 }  // namespace

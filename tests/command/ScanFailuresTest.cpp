@@ -8,7 +8,7 @@
 #include <random>
 #include <thread>
 
-#include "host/ArchiveFixture.h"
+#include "command/ArchiveFixture.h"
 
 using namespace quarry::test;
 
@@ -34,9 +34,7 @@ protected:
     void WriteBadVideos() const {
         WriteVideos({"a.avi", "deep/z.avi"});
         const std::string good = ContentsOf(folder / "videos/a.avi");
-        std::string noise(3000, '\0');
-        std::mt19937 random(1);
-        for (char& byte : noise) byte = static_cast<char>(random());
+        const std::string noise = Noise(3000);
         WriteText("videos/empty.avi", "");
         WriteText("videos/header.avi", good.substr(0, 200));
         WriteText("videos/headed.avi", good.substr(0, 40) + noise);
@@ -128,9 +126,7 @@ TEST_F(ScanFailures, WhatCannotBeReadNowIsTriedAgain) {
 TEST_F(ScanFailures, AVideoThatChangesMeanwhileIsTriedAgain) {
     WriteVideo("videos/long.avi", 60, {320, 240});
     const pid_t child = Start(ScanArguments("flow", "lines"), "/dev/null", (folder / "errors").string());
-    for (int wait = 0; wait < 4000 && FilesBelow("lines").empty(); ++wait) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    WaitUntil([&] { return !FilesBelow("lines").empty(); });
     std::ofstream(folder / "videos/long.avi", std::ios::app) << "more";
     EXPECT_EQ(ExitCodeOf(child), kAgain);
     EXPECT_EQ(ContentsOf(folder / "errors"),
@@ -261,9 +257,7 @@ TEST_F(ScanFailures, SignalsLeaveWhatIsFinishedAndNothingElse) {
     for (const int signal : {SIGINT, SIGTERM}) {
         const std::string out = "lines" + std::to_string(signal);
         const pid_t child = StartFlow(out);
-        for (int wait = 0; wait < 4000 && FilesBelow(out).size() < 3; ++wait) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        WaitUntil([&] { return FilesBelow(out).size() >= 3; });
         kill(child, signal);
         EXPECT_EQ(ExitCodeOf(child), 128 + signal);
         EXPECT_EQ(FilesBelow(out), (Names{"a.avi.jsonl", "b.avi.jsonl"}));

@@ -1,6 +1,4 @@
-#include <cstdio>
-
-#include "host/ArchiveFixture.h"
+#include "command/ArchiveFixture.h"
 
 using namespace quarry::test;
 
@@ -9,17 +7,11 @@ namespace {
 using Names = std::set<std::string>;
 using OrderedJson = nlohmann::ordered_json;
 
-constexpr const char* kModel = "/usr/share/opencv4/haarcascades/haarcascade_frontalface_alt.xml";
-
 class ScanCommand : public Archive {
 protected:
     /// As coreutils computes it.
     std::string Sha256Of(const fs::path& path) const {
-        FILE* const pipe = popen(("sha256sum < '" + (folder / path).string() + "'").c_str(), "r");
-        char digits[65] = "";
-        EXPECT_EQ(fread(digits, 1, 64, pipe), 64U);
-        EXPECT_EQ(pclose(pipe), 0);
-        return digits;
+        return OutputOf("sha256sum < '" + (folder / path).string() + "'").substr(0, 64);
     }
 
     std::string HeadOf(const std::string& output) const {
@@ -59,9 +51,7 @@ TEST_F(ScanCommand, LinesAreThoseOfTheVerb) {
         {"people", {"--area", "0,0,1,1", "--sensitivity", "0.2"}},
     };
     for (const auto& [verb, options] : verbs) {
-        Arguments call = {verb, "videos/clip.avi", "--json"};
-        call.insert(call.end(), options.begin(), options.end());
-        std::vector<json> expected = JsonLines(Run(call).out);
+        std::vector<json> expected = RunJson(Arguments{verb, "videos/clip.avi"} + options);
         ASSERT_EQ(expected.size(), 14U) << verb;
         ForgetMilliseconds(expected);
         ExpectDone(Scan(verb, verb, options), 1, 0);
@@ -81,10 +71,7 @@ TEST_F(ScanCommand, LinesOfVerbsOverPicturesAreThoseOfTheFrames) {
         {"sharpness", {}}, {"sharpness", {"--face=-20,30,60,30"}}, {"fire", {}}};
     if (fs::exists(kModel)) verbs.push_back({"detect", {"--cascade", kModel, "--mode", "1"}});
     for (const auto& [verb, options] : verbs) {
-        Arguments call = {verb, "--json"};
-        call.insert(call.end(), options.begin(), options.end());
-        call.insert(call.end(), pictures.begin(), pictures.end());
-        std::vector<json> expected = JsonLines(Run(call).out);
+        std::vector<json> expected = RunJson(Arguments{verb} + options + pictures);
         ASSERT_EQ(expected.size(), frames.size()) << verb;
         for (std::size_t i = 0; i < expected.size(); ++i) {
             for (const char* const key : {"file", "width", "height", "milliseconds"}) expected[i].erase(key);
@@ -97,7 +84,7 @@ TEST_F(ScanCommand, LinesOfVerbsOverPicturesAreThoseOfTheFrames) {
 
 TEST_F(ScanCommand, TakesTheFramesThatAreAskedFor) {
     WriteVideo("videos/clip.avi", 20);
-    const std::vector<json> all = JsonLines(Run({"contours", "videos/clip.avi", "--json", "--frames", "3:17"}).out);
+    const std::vector<json> all = RunJson({"contours", "videos/clip.avi", "--frames", "3:17"});
     ExpectDone(Scan("sharpness", "lines", {"--frames", "3:17", "--every", "5"}), 1, 0);
     const std::vector<json> frames = FramesIn("lines/clip.avi.jsonl");
     ASSERT_EQ(frames.size(), 3U);
@@ -244,7 +231,7 @@ TEST_F(ScanCommand, ATruncatedVideoIsPlayedAsFarAsItGoes) {
     WriteVideo("videos/half.avi", 20);
     const std::string whole = ContentsOf(folder / "videos/half.avi");
     WriteText("videos/half.avi", whole.substr(0, whole.size() / 2));
-    std::vector<json> expected = JsonLines(Run({"background", "videos/half.avi", "--json"}).out);
+    std::vector<json> expected = RunJson({"background", "videos/half.avi"});
     ForgetMilliseconds(expected);
     ExpectDone(Scan("background", "lines"), 1, 0);
     EXPECT_EQ(FramesIn("lines/half.avi.jsonl"), expected);

@@ -1,4 +1,4 @@
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 
 using namespace quarry::test;
 
@@ -33,12 +33,7 @@ protected:
 
     json Rate(const Arguments& more, const std::string& before = "before.json",
               const std::string& after = "after.json") const {
-        Arguments arguments = {"shape-rate", before, after, "--json"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        const json line = JsonLines(outcome.out).at(0);
-        EXPECT_EQ(line.at("before"), before);
+        const json line = RunJson(Arguments{"shape-rate", before, after} + more).at(0);
         EXPECT_EQ(line.at("after"), after);
         return line.at("rate");
     }
@@ -65,7 +60,7 @@ TEST_F(ShapeRateCommand, OfTheSameShapeIsNothing) {
 TEST_F(ShapeRateCommand, WithoutJsonTellsTheSameInWords) {
     const Arguments options = {"--interval", "40.5", "--size", "640x480"};
     const double rate = Rate(options).get<double>();
-    const Outcome outcome = Run({"shape-rate", "before.json", "after.json", "--interval", "40.5", "--size", "640x480"});
+    const Outcome outcome = Run(Arguments{"shape-rate", "before.json", "after.json"} + options);
     EXPECT_EQ(outcome.exitCode, 0);
     std::istringstream words(outcome.out);
     std::string name;
@@ -86,41 +81,6 @@ TEST_F(ShapeRateCommand, IsNoneWhenOnlyOneShapeHasAnArea) {
         EXPECT_NE(outcome.out.find("none"), std::string::npos) << outcome.out;
     }
     EXPECT_EQ(Rate({"--interval", "40", "--size", "640x480"}, "dot.json", "dot.json"), 0);
-}
-
-TEST_F(ShapeRateCommand, NamesTheFileAndWhatIsWrongWithIt) {
-    WriteText("none.json", "[]");
-    WriteText("text.json", "not JSON at all");
-    WriteText("flat.json", "[1, 2, 3, 4]");
-    const std::vector<std::pair<std::string, std::string>> wrong = {{"none.json", "holds no points"},
-                                                                    {"text.json", "not JSON"},
-                                                                    {"flat.json", "point 1"},
-                                                                    {"missing.json", "no such file"}};
-    for (const auto& [name, what] : wrong) {
-        const std::string named = std::string(name).append(": ").append(what);
-        ExpectOneLineError({"shape-rate", name, "after.json", "--interval", "40", "--size", "640x480"}, 1, named);
-        ExpectOneLineError({"shape-rate", "before.json", name, "--interval", "40", "--size", "640x480"}, 1, named);
-    }
-}
-
-TEST_F(ShapeRateCommand, RefusesWrongUsage) {
-    const auto expectRefused = [&](const std::string& option, const std::string& value) {
-        Arguments arguments = {"shape-rate", "before.json", "after.json"};
-        for (const auto& [name, fine] : {std::pair("--interval", "40"), std::pair("--size", "640x480")}) {
-            if (name != option) arguments.insert(arguments.end(), {name, fine});
-        }
-        arguments.insert(arguments.end(), {option, value});
-        ExpectOneLineError(arguments, 2, option);
-    };
-    for (const char* const interval : {"0", "-40", "nan", "inf", "soon"}) expectRefused("--interval", interval);
-    for (const char* const size : {"", "640", "640x", "0x480", "640x0", "-640x480", "32768x480", "640,480"}) {
-        expectRefused("--size", size);
-    }
-    for (const char* const method : {"0", "4", "best"}) expectRefused("--method", method);
-    ExpectOneLineError({"shape-rate", "before.json", "after.json", "--size", "640x480"}, 2, "--interval");
-    ExpectOneLineError({"shape-rate", "before.json", "after.json", "--interval", "40"}, 2, "--size");
-    ExpectOneLineError({"shape-rate"}, 2, "");
-    ExpectOneLineError({"shape-rate", "before.json", "--interval", "40", "--size", "640x480"}, 2, "AFTER");
 }
 
 }  // namespace

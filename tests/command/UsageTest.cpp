@@ -1,4 +1,4 @@
-#include "host/CommandFixture.h"
+#include "command/CommandFixture.h"
 
 using namespace quarry::test;
 
@@ -11,41 +11,21 @@ TEST_F(QuarryCommand, TellsItsVersion) {
     EXPECT_EQ(outcome.err, "");
 }
 
-TEST_F(QuarryCommand, HelpNamesTheVerbsAndTheirOptions) {
+TEST_F(QuarryCommand, HelpNamesTheVerbsThatRunNoOperation) {
     const Outcome outcome = Run({"--help"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.err, "");
-    for (const char* const verb :
-         {"sharpness", "diff",     "similarity", "denoise",    "background", "track",    "flow",    "contours",
-          "occupancy", "clusters", "inside",     "shape-rate", "rect",       "clothing", "colours", "align",
-          "rotate",    "detect",   "people",     "fire",       "scan",       "merge"}) {
-        EXPECT_NE(outcome.out.find(verb), std::string::npos) << verb;
+    for (const char* const verb : {"scan", "merge", "list", "describe"}) {
+        EXPECT_NE(outcome.out.find(std::string("\n  ") + verb + " "), std::string::npos) << verb;
         EXPECT_EQ(Run({verb, "--help"}).exitCode, 0) << verb;
-    }
-    const std::string background = Run({"background", "--help"}).out;
-    for (const char* const verb : {"sharpness", "diff",      "similarity", "denoise", "background", "track", "flow",
-                                   "contours",  "occupancy", "clusters",   "inside",  "shape-rate", "rect",  "clothing",
-                                   "colours",   "align",     "rotate",     "detect",  "people",     "fire"}) {
-        const std::string help = Run({verb, "--help"}).out;
-        EXPECT_NE(help.find("--json"), std::string::npos) << verb;
-        EXPECT_NE(help.find(std::string("\n  quarry ") + verb + " "), std::string::npos) << verb << " has an example";
-    }
-    for (const char* const option : {"--out", "--json", "--sensitivity", "--history", "--adaptation", "--speedup"}) {
-        EXPECT_NE(background.find(option), std::string::npos) << option;
     }
 }
 
 TEST_F(QuarryCommand, WrongUsageEndsWithTwoAndNamesTheArgument) {
-    WriteVideo("clip.avi", 2);
     ExpectOneLineError({}, 2, "verb");
     ExpectOneLineError({"paint"}, 2, "paint");
     ExpectOneLineError({"--paint"}, 2, "--paint");
-    ExpectOneLineError({"--paint", "clip.avi"}, 2, "--paint");
-    ExpectOneLineError({"sharpness"}, 2, "IMAGE");
-    ExpectOneLineError({"sharpness", "a.png", "--colour"}, 2, "--colour");
-    ExpectOneLineError({"background"}, 2, "VIDEO");
-    ExpectOneLineError({"background", "clip.avi", "other.avi"}, 2, "other.avi");
-    ExpectOneLineError({"background", "clip.avi", "--out"}, 2, "--out");
+    ExpectOneLineError({"list", "more"}, 2, "more");
 }
 
 TEST_F(QuarryCommand, AnUnknownVerbIsNamedAndTheNearestOneToo) {
@@ -60,29 +40,6 @@ TEST_F(QuarryCommand, AnUnknownVerbIsNamedAndTheNearestOneToo) {
             EXPECT_EQ(outcome.err, "quarry: there is no verb " + verb + "; " + suggestion + "\n");
         }
     }
-}
-
-TEST_F(QuarryCommand, NumbersOutOfRangeAreWrongUsage) {
-    WriteVideo("clip.avi", 2);
-    const std::vector<std::pair<std::string, Arguments>> refused = {
-        {"--sensitivity", {"-0.1", "1.1", "nan", "much", ""}},
-        {"--history", {"0", "-5", "1.5", "99999999999"}},
-        {"--adaptation", {"0", "-1", "inf", "nan"}},
-        {"--speedup", {"-1", "inf", "nan", "fast"}},
-    };
-    for (const auto& [option, values] : refused) {
-        for (const std::string& value : values)
-            ExpectOneLineError({"background", "clip.avi", option, value}, 2, option);
-    }
-}
-
-TEST_F(QuarryCommand, OutMustBeAnAviAndNotTheVideoItself) {
-    WriteVideo("clip.avi", 2);
-    const std::string before = ContentsOf(folder / "clip.avi");
-    ExpectOneLineError({"background", "clip.avi", "--out", "marked.mp4"}, 2, "--out");
-    ExpectOneLineError({"background", "clip.avi", "--out", "marked"}, 2, "--out");
-    ExpectOneLineError({"background", "clip.avi", "--out", "./clip.avi"}, 2, "--out");
-    EXPECT_EQ(ContentsOf(folder / "clip.avi"), before);
 }
 
 TEST_F(QuarryCommand, ProgressShowsOnATerminalOnly) {

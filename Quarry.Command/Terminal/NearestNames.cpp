@@ -1,0 +1,34 @@
+#include "NearestNames.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+
+namespace quarry::command {
+namespace {
+
+/// How many letters only one of both has, whatever the order of the letters.
+std::size_t DifferentLetters(std::string a, std::string b) {
+    std::sort(a.begin(), a.end());
+    std::sort(b.begin(), b.end());
+    std::string different;
+    std::set_symmetric_difference(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(different));
+    return different.size();
+}
+
+}  // namespace
+
+bool IsNear(const std::string& written, const std::string& name) {
+    constexpr std::size_t kFewest = 3;  // a shorter text is a part of almost any name
+    constexpr std::size_t kMostDifferent = 2;
+    if (written.size() < kFewest) return false;
+    return name.find(written) != std::string::npos || DifferentLetters(written, name) <= kMostDifferent;
+}
+
+std::string DidYouMean(const std::vector<std::string>& names) {
+    return names.empty() ? "" : "; did you mean " + fmt::to_string(fmt::join(names, " or ")) + "?";
+}
+
+}  // namespace quarry::command
