@@ -158,7 +158,7 @@ TEST_F(Catalogue, TheReadmeHasTheSameTable) {
             std::regex_search(line, link, std::regex(R"(\[`(\w+)\.h`\]\((include/Quarry/Records/\1\.h)\) \|$)")))
             << line;
         const bool hasOwn = fs::exists(source / "include/Quarry/Records" / (row.source + ".h"));
-        if (hasOwn) EXPECT_EQ(link[1], row.source);
+        EXPECT_TRUE(!hasOwn || link[1] == row.source) << line;
         EXPECT_NE(ContentsOf(source / link[2].str()).find(row.records[1]), std::string::npos) << line;
     }
     EXPECT_NE((head + 2 + static_cast<std::ptrdiff_t>(kRows.size()))->rfind("| ", 0), 0U) << "no row too many";

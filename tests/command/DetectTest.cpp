@@ -18,6 +18,8 @@ protected:
         fs::copy_file(MediaDirectory() / "basketball1.png", folder / "two.png");
     }
 
+    cv::Mat PictureOf(const std::string& name) const { return cv::imread((folder / name).string()); }
+
     std::vector<json> Detect(const Arguments& more) const {
         std::vector<json> lines = RunJson(Arguments{"detect", "--cascade", kModel} + more);
         for (json& line : lines) std::sort(line.at("detections").begin(), line.at("detections").end());
@@ -57,7 +59,7 @@ TEST_F(DetectCommand, FindsWhatTheModelFindsInEveryMode) {
         EXPECT_EQ(lines[0].at("file"), "player.jpg");
         EXPECT_EQ(lines[1].at("file"), "two.png");
         for (const json& line : lines) {
-            const cv::Mat picture = ReadPicture(line.at("file"));
+            const cv::Mat picture = PictureOf(line.at("file"));
             const auto [neighbours, flags] = presets[mode];
             EXPECT_EQ(line.at("width"), picture.cols);
             EXPECT_EQ(line.at("height"), picture.rows);
@@ -69,7 +71,7 @@ TEST_F(DetectCommand, FindsWhatTheModelFindsInEveryMode) {
 }
 
 TEST_F(DetectCommand, AnAreasRectanglesAreInPixelsOfThePicture) {
-    const cv::Mat picture = ReadPicture("player.jpg");
+    const cv::Mat picture = PictureOf("player.jpg");
     const cv::Rect area(static_cast<int>(0.3F * static_cast<float>(picture.cols)),
                         static_cast<int>(0.1F * static_cast<float>(picture.rows)),
                         static_cast<int>(0.35F * static_cast<float>(picture.cols)),
@@ -83,7 +85,7 @@ TEST_F(DetectCommand, AnAreasRectanglesAreInPixelsOfThePicture) {
 }
 
 TEST_F(DetectCommand, SizesLimitWhatIsFound) {
-    const cv::Mat picture = ReadPicture("two.png");
+    const cv::Mat picture = PictureOf("two.png");
     const json all = JsonOf(Expected(picture, 1, cv::CASCADE_SCALE_IMAGE));
     for (const auto& [low, high] : std::vector<std::pair<int, int>>{{60, 0}, {0, 60}, {30, 60}, {300, 400}}) {
         const json found =
@@ -98,7 +100,7 @@ TEST_F(DetectCommand, SizesLimitWhatIsFound) {
 
 TEST_F(DetectCommand, TableHasALinePerPicture) {
     cv::imwrite((folder / "grey.png").string(), cv::Mat(60, 80, CV_8UC3, cv::Scalar::all(128)));
-    const std::vector<cv::Rect> expected = Expected(ReadPicture("player.jpg"), 5, cv::CASCADE_SCALE_IMAGE);
+    const std::vector<cv::Rect> expected = Expected(PictureOf("player.jpg"), 5, cv::CASCADE_SCALE_IMAGE);
     ASSERT_EQ(expected.size(), 1U);
     const std::vector<std::string> lines = Lines(Run({"detect", "player.jpg", "grey.png", "--cascade", kModel}).out);
     ASSERT_EQ(lines.size(), 3U);
@@ -113,8 +115,8 @@ TEST_F(DetectCommand, TableHasALinePerPicture) {
 
 TEST_F(DetectCommand, DrawsTheRectangles) {
     const json line = Detect({"two.png", "--out", "marked.png"}).at(0);
-    const cv::Mat picture = ReadPicture("two.png");
-    const cv::Mat marked = ReadPicture("marked.png");
+    const cv::Mat picture = PictureOf("two.png");
+    const cv::Mat marked = PictureOf("marked.png");
     ASSERT_EQ(marked.size(), picture.size());
     const json& face = line.at("detections").at(0);
     const cv::Rect place(face.at("x"), face.at("y"), face.at("width"), face.at("height"));

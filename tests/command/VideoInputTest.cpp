@@ -69,14 +69,6 @@ TEST_F(VideoInput, ThreadsDoNotChangeTheResult) {
     for (std::size_t i = 0; i < one.size(); ++i) EXPECT_EQ(one[i].at("foreground"), two[i].at("foreground")) << i;
 }
 
-TEST_F(VideoInput, CommaSeparatedValuesHaveAHeadLine) {
-    WriteVideo("clip.avi", 3);
-    const std::vector<std::string> lines = Lines(Run({"background", "clip.avi", "--csv"}).out);
-    ASSERT_EQ(lines.size(), 4U);
-    EXPECT_EQ(lines[0], "frame,timestamp,state,foreground,milliseconds");
-    EXPECT_EQ(lines[2].rfind("1,2000000,Accumulating,", 0), 0U) << lines[2];
-}
-
 TEST_F(VideoInput, CommaSeparatedListsAreQuoted) {
     WriteVideo("clip.avi", 2);
     const std::vector<std::string> lines =
