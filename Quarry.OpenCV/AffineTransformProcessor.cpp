@@ -74,7 +74,7 @@ cv::Mat AffineTransformProcessor::similarTransform(const cv::Mat& src, const cv:
     cv::SVD::compute(A, S, U, Vt);
     const int rank = MatrixRank(A);
     if (rank == dim - 1) {
-        // Along one line only, the other axis follows from what makes a rotation of both.
+        // Points on a line determine one axis only. The other axis is chosen so that the matrix is a rotation.
         cv::Mat signs = cv::Mat::ones(dim, 1, CV_32F);
         if (!(cv::determinant(U) * cv::determinant(Vt) > 0)) signs.at<float>(dim - 1) = -1;
         rotation = U * cv::Mat::diag(signs) * Vt;

@@ -11,15 +11,15 @@
 /// no reflection) that carries the source points onto the destination points with the least squared error (Umeyama,
 /// IEEE TPAMI 13(4), 1991). Output pixels that map outside the frame are black.
 ///
-/// Five equal destination points give a scale of 0; five equal source points give one that is not a number, and a
-/// content without meaning. Any other number of points aborts the process, as do two different numbers.
+/// Five equal destination points give a scale of 0. Five equal source points give a scale that is not a number, and
+/// pixels without meaning. The process aborts if the numbers of points differ or are not 5.
 ///
 /// Frame and points are read in place during the call; rows are packed (`width * 3` bytes), `stride` is not consulted.
 /// The image belongs to the result, which the host gives back with DisposeResult.
 /// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
-/// @throws std::invalid_argument  `Points` is null, or a size is negative
-/// @throws std::bad_alloc         there is no memory for the output (`std::invalid_argument` where its number of bytes
-///                                would wrap to a small one)
+/// @throws std::invalid_argument  `Points` is null, a size is negative, or the output has more than 2147483647 bytes
+/// @throws std::bad_alloc         there is no memory for the output, or its number of bytes wraps to a negative 32-bit
+///                                number
 /// @throws cv::Exception          `data` is null while the frame is not empty, or the frame is empty or too large to
 ///                                warp
 class AffineTransformProcessor : public Processor<TransformOptions, AffineTransformData, TransformResult> {
@@ -31,7 +31,7 @@ public:
 
     /// Column means, one row.
     static cv::Mat meanAxis0(const cv::Mat& m);
-    /// Every row without the given one.
+    /// Subtracts a row from every row.
     static cv::Mat elementwiseMinus(const cv::Mat& m, const cv::Mat& row);
     /// Column variances, divided by the number of rows; one row.
     static cv::Mat varAxis0(const cv::Mat& m);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr uint64_t kTicksPerSecond = 10'000'000;
 constexpr uint8_t kForeground = 255;
-/// Grey levels at sensitivity 0 and 0.5.
+/// Foreground thresholds at sensitivity 0 and 0.5, in grey levels.
 constexpr float kLeastSensitiveThreshold = 60.0F;
 constexpr float kMediumThreshold = 50.0F;
 /// Squared Mahalanobis distance at which a pixel still belongs to a Gaussian of the mixture.
@@ -57,7 +57,7 @@ void BackgroundUpdatingSystem::DoInitialize(BackgroundData data) {
         InitResult();
         InitBuffers();
     } catch (...) {
-        // Nothing half-built stays: the next frame begins anew, whatever its size.
+        // Discard what is half built, so that the next frame begins a new model, whatever its size.
         Dispose();
         width = 0;
         height = 0;
@@ -88,8 +88,8 @@ float BackgroundUpdatingSystem::CalcCurrentRate(float elapsedSeconds, float peri
 void BackgroundUpdatingSystem::DoUpdate(BackgroundData data) {
     const cv::Mat next = quarry::PackedFrame(data.Image);
     const uint64_t timestamp = data.Image.timestamp;
-    // Before the second frame the last timestamp is 0: the first frame is as old as its clock, and so replaces the
-    // model.
+    // For the first frame the last timestamp is 0, so the elapsed time is the whole timestamp: usually long enough to
+    // replace the model.
     const uint64_t elapsed = timestamp - lastTimestamp;
     const float elapsedSeconds = static_cast<float>(elapsed) / static_cast<float>(kTicksPerSecond);
     const float rate = CalcCurrentRate(elapsedSeconds, state == Ready ? adaptationTime : learningPeriod);
@@ -98,7 +98,7 @@ void BackgroundUpdatingSystem::DoUpdate(BackgroundData data) {
     if (lastTimestamp != 0) accumulatedTime += elapsed;
     lastTimestamp = timestamp;
     const uint64_t learntSeconds = accumulatedTime / kTicksPerSecond;
-    // Negated, so that a period that is not a number counts as over.
+    // Negated, so that a period that is not a number counts as completed.
     state = !(learningPeriod > static_cast<float>(learntSeconds)) ? Ready : Accumulating;
 }
 

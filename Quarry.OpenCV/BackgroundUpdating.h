@@ -8,18 +8,18 @@
 
 /// Background image and foreground mask of a stream of colour frames.
 ///
-/// The background is a mixture of Gaussians per pixel (Zivkovic, ICPR 2004), learnt at a rate that follows the real
-/// time between frames: an exponential time constant in seconds, shorter while the background is being learnt. The
-/// foreground is not the mixture's own: it is where the grey difference between the last frame and the background
-/// exceeds a threshold.
+/// The background is a mixture of Gaussians per pixel (Zivkovic, ICPR 2004). The learning rate follows the real time
+/// between frames, with an exponential time constant in seconds, which is shorter while the background is being learnt.
+/// The foreground mask is not the mixture's own: a pixel is foreground where the grey difference between the last frame
+/// and the background exceeds a threshold.
 ///
-/// Frames are read in place, never copied: the pixels of the last one must live until GetUpdateResult has returned.
-/// Rows are packed (`width * 3` bytes), `stride` is not consulted. The result's buffers are this object's own, valid
-/// until the next Update or the end. A frame of another size begins a new model.
+/// Frames are read in place, never copied: the pixels of the last frame must live until GetUpdateResult has returned.
+/// Rows are packed (`width * 3` bytes), `stride` is not consulted. The result's buffers belong to this object and are
+/// valid until its next Update or its end. A frame of another size begins a new model.
 /// @throws cv::Exception          `data` is null while the frame is not empty, or the frame is empty
-/// @throws std::invalid_argument  the frame has more bytes than a 32-bit size can say; where that wraps to a negative
-///                                size it is std::bad_alloc
-/// @throws std::logic_error       a result is asked for before a frame was taken in
+/// @throws std::invalid_argument  the frame has more than 2147483647 bytes (`std::bad_alloc` if their number wraps to a
+///                                negative 32-bit number)
+/// @throws std::logic_error       a result is asked for before the first frame
 class BackgroundUpdatingSystem : public CVBackgroungModel {
 public:
     using CVBackgroungModel::CVBackgroungModel;
@@ -35,12 +35,12 @@ public:
     void InitBuffers();
     void ReleaseBuffers();
 
-    /// The share of the background that `elapsedSeconds` replace when `period` seconds replace most of it.
+    /// The share of the background, 0..1, that is replaced in `elapsedSeconds` if `period` seconds replace 88 % of it.
     static float CalcCurrentRate(float elapsedSeconds, float period);
 
-    /// Clears the specks of an 8-bit mask: a pixel stays 255 only if it is 255 and the nine bytes around and at it sum
-    /// to three foreground pixels or more. It works in place, row by row, so the neighbours above and to the left are
-    /// those already cleared. The border stays as it is.
+    /// Removes specks from an 8-bit mask, in place. A pixel stays 255 only if it is 255 and the nine bytes of its 3 x 3
+    /// neighbourhood add up to 3 x 255 or more; any other pixel becomes 0. Rows are processed from left to right and
+    /// top to bottom, so the neighbours above and to the left have their new values. The border does not change.
     static void DeNoise(cv::Mat& mask);
 
 private:

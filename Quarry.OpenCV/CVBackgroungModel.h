@@ -2,7 +2,7 @@
 
 #include "Quarry.Frame/BackgroungModel.h"
 
-/// A background model that rests on OpenCV. The spelling is part of the interface.
+/// A background model built on OpenCV. The spelling is part of the interface.
 class CVBackgroungModel : public BackgroungModel {
 public:
     using BackgroungModel::BackgroungModel;

@@ -3,7 +3,7 @@
 #include "Quarry.Frame/ContourInstersectionInvokableProcessor.h"
 #include "Quarry.OpenCV/ContourIntersectionProcessorPT.h"
 
-/// Handle of a contour against a polygon.
+/// Handle of the position of a contour with respect to a polygon.
 class CVContourIntersectionProcessor : public ContourInstersectionInvokableProcessor {
 public:
     explicit CVContourIntersectionProcessor(ContourIntersectionProcessorOptions* options) {

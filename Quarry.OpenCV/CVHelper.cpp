@@ -47,7 +47,7 @@ float CVHelper::LinearApprox(float a, float b, float t) {
 
 float CVHelper::RateTableLinearApprox(int value) {
     const auto x = static_cast<float>(value);
-    // What no other segment holds is taken from the last one, values below the table included: hosts rely on it.
+    // The last segment extrapolates every value outside the table, also those below it: hosts rely on it.
     std::size_t segment = std::size(kRateTable) - 2;
     for (std::size_t k = 0; k < std::size(kRateTable) - 2; ++k) {
         if (kRateTable[k].frames <= x && x < kRateTable[k + 1].frames) {
@@ -62,7 +62,7 @@ float CVHelper::RateTableLinearApprox(int value) {
 }
 
 cv::Mat CVHelper::GetRotationMatrix(const cv::Mat& image, const cv::Point& center, double angle) {
-    // The angle in radians is a float: hosts compare results that were computed so.
+    // The angle in radians is rounded to a float: hosts compare with results that were computed this way.
     const auto radians = static_cast<double>(static_cast<float>(angle * CV_PI / 180.0));
     const double sine = std::sin(radians);
     const double cosine = std::cos(radians);

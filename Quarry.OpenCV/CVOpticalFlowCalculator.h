@@ -2,7 +2,7 @@
 
 #include "Quarry.Frame/OFCBase.h"
 
-/// An optical flow calculator that rests on OpenCV.
+/// An optical flow calculator built on OpenCV.
 class CVOpticalFlowCalculator : public OFCBase {
 public:
     using OFCBase::OFCBase;

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// A square of whole pixels; empty, which sets no limit, for a negative side.
+/// A square of whole pixels. A negative side gives an empty size, which sets no limit.
 cv::Size Square(double side) {
     if (side < 0) return {};
     return {quarry::Truncate(side), quarry::Truncate(side)};
@@ -29,7 +29,7 @@ CascadeClassifier::CascadeClassifier(ClassificationOptions* source)
     if (options.CascadePath == nullptr) {
         throw std::invalid_argument("ClassificationOptions.CascadePath is null; the path of a model file is needed");
     }
-    cascade.load(options.CascadePath);  // hosts rely on hearing at Process, not here, that there is no such model
+    cascade.load(options.CascadePath);  // Process reports a missing file, not this constructor: hosts rely on it
 }
 
 const CascadeClassifier::Preset& CascadeClassifier::PresetOf(const ClassificationOptions& options) {

@@ -9,7 +9,8 @@
 /// Finds objects of one kind in a region of a frame with a cascade of boosted features (Viola and Jones, CVPR 2001).
 ///
 /// Only the first area is searched, whatever `AreasCount` says; `WholeFrame` is not consulted. The rectangles are
-/// fractions of the area, not of the frame, and are not shifted by it: a host that searches a part maps them back.
+/// fractions of the area, not of the frame, with their origin at the area's corner: a host that searches a part of the
+/// frame maps them back.
 /// Weights are not set.
 ///
 /// Pixels are read in place during the call; rows are packed (`width * 3` bytes), `stride` is not consulted. The model
@@ -19,8 +20,8 @@
 /// @throws std::invalid_argument  `Mode` is above 2 or `CascadePath` is null (when created), or `Areas` is null
 /// @throws cv::Exception          `CascadePath` is empty, or names a file that OpenCV cannot parse (when created);
 ///                                `data` is null while the frame is not empty, the area does not lie inside the frame
-///                                or has no pixels, or no model was loaded: that there is no such file is found out at
-///                                each call and not before
+///                                or has no pixels, or no model was loaded: each call reports a missing file, creation
+///                                does not
 class CascadeClassifier : public ClassificationProcessor {
 public:
     explicit CascadeClassifier(ClassificationOptions* source);
@@ -34,7 +35,7 @@ private:
     /// How thoroughly the detector looks.
     struct Preset {
         double scaleFactor;  ///< from one size of the search window to the next
-        int minNeighbors;    ///< a detection takes more overlapping hits than these
+        int minNeighbors;    ///< a detection needs more overlapping hits than this
         int flags;           ///< `cv::CASCADE_...`
     };
     static const Preset& PresetOf(const ClassificationOptions& options);

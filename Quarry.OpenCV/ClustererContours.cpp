@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Centre of mass in whole pixels. Without area it is not a number, which truncates like any other.
+/// Centre of mass in whole pixels. Without area it is not a number, which Truncate turns into the lowest integer.
 cv::Point CenterOf(const std::vector<cv::Point>& contour) {
     const cv::Moments moments = cv::moments(contour, false);
     return {quarry::Truncate(moments.m10 / moments.m00), quarry::Truncate(moments.m01 / moments.m00)};

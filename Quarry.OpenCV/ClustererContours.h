@@ -2,8 +2,8 @@
 
 #include "Quarry.Frame/ClustererBase.h"
 
-/// The blobs of a frame that is black everywhere else: one cluster per outermost contour that is not small, in the
-/// order in which they are found.
+/// The blobs of a frame that is black everywhere else: one cluster per outermost contour whose area is not too small,
+/// in the order in which they are found.
 ///
 /// Points and centres of mass are in relative coordinates. A cluster's area is a share of the frame's area, holes
 /// included; its perimeter is divided by the frame's width alone. A blob without area has its centre far outside the

@@ -5,7 +5,7 @@
 ColorComparingOutputData ColorComparingProcessor::DoProcess(ColorComparingInputData data) {
     const cv::Mat image1 = Wrap("FirstImage", data.FirstImage);
     const cv::Mat image2 = Wrap("SecondImage", data.SecondImage);
-    // NOLINTBEGIN(bugprone-implicit-widening-of-multiplication-result): the expressions are, too
+    // NOLINTBEGIN(bugprone-implicit-widening-of-multiplication-result): the expressions are part of the interface
     assert(data.FirstImage.width * 3 == image1.step);   // The line number of this assertion is part of the interface.
     assert(data.SecondImage.width * 3 == image2.step);  // The line number of this assertion is part of the interface.
     // NOLINTEND(bugprone-implicit-widening-of-multiplication-result)

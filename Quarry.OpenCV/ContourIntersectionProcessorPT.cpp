@@ -30,8 +30,8 @@ void CheckContours(const Contour& polygon, const Contour& test) {
     quarry::CheckArray("ContourIntersectionProcessorData.TestContour.Points", test.Points, test.Count, "points");
 }
 
-/// Whether a point lies on the other side than the first. Few points are asked about plainly: to sort the polygon's
-/// sides would take longer, also where one of the first of many settles it.
+/// Whether any point lies on the other side than the first. The first few points are tested without sorting the
+/// polygon's sides: sorting takes longer than these tests, and one of them often decides.
 bool Crosses(const std::vector<cv::Point2f>& test, const std::vector<cv::Point2f>& polygon, int side) {
     constexpr std::ptrdiff_t kFew = 4;
     const auto rest = test.begin() + std::min(kFew, static_cast<std::ptrdiff_t>(test.size()));

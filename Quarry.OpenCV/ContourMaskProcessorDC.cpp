@@ -26,7 +26,7 @@ void CheckGrid(int width, int height) {
                                 "; each must be 1 or more, and their product at most 2147483647");
 }
 
-/// What lies inside contours: the pixels of the box that holds them all. There is nothing beside it.
+/// Filled contours, drawn in the bounding box of all of them. No pixel outside the box is drawn.
 struct Drawing {
     cv::Rect box;
     cv::Mat pixels;
@@ -48,7 +48,7 @@ int CountDrawn(const uint8_t* begin, const uint8_t* end) {
     return std::accumulate(begin, end, 0, [](int count, uint8_t pixel) { return count + (pixel == kDrawn ? 1 : 0); });
 }
 
-/// Adds the drawn pixels of one row of the frame to the cells that it runs through.
+/// Adds the drawn pixels of one row of the frame to the counts of the cells in that row.
 void AddRow(const Drawing& drawing, int row, int cellWidth, std::vector<int>& counts) {
     const int left = drawing.box.x;
     const int right = std::min(left + drawing.box.width, cellWidth * static_cast<int>(counts.size()));
@@ -61,7 +61,7 @@ void AddRow(const Drawing& drawing, int row, int cellWidth, std::vector<int>& co
     }
 }
 
-/// Counts the drawn pixels of each cell of one row of the grid. Cells without pixels have no rows or end at column 0.
+/// Counts the drawn pixels of each cell in one row of the grid. A cell of height or width 0 has none.
 void CountRowOfCells(const Drawing& drawing, const cv::Size& cell, int row, std::vector<int>& counts) {
     std::fill(counts.begin(), counts.end(), 0);
     const int top = std::max(row * cell.height, drawing.box.y);
@@ -69,7 +69,7 @@ void CountRowOfCells(const Drawing& drawing, const cv::Size& cell, int row, std:
     for (int y = top; y < bottom; ++y) AddRow(drawing, y, cell.width, counts);
 }
 
-/// Marks the cells of which more than the fill rate's share is drawn.
+/// Marks the cells in which the share of drawn pixels exceeds the fill rate.
 void FillGrid(const Drawing& drawing, const cv::Size& cell, float fillRate, const Mask& grid) {
     const int threshold = quarry::Truncate(static_cast<float>(int64_t{cell.width} * cell.height) * fillRate);
     std::vector<int> counts(static_cast<std::size_t>(grid.width));

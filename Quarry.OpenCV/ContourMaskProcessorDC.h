@@ -2,11 +2,11 @@
 
 #include "Quarry.Frame/ContourMaskProcessor.h"
 
-/// A grid of the cells that objects occupy: what is not black in the frame, outlined, without its small contours,
-/// filled and counted cell by cell.
+/// A grid of the cells that objects occupy. The regions of the frame that are not black are outlined, small contours
+/// are dropped, the others are filled, and the filled pixels are counted cell by cell.
 ///
-/// Cells are all of the same whole size; pixels right of and below the last whole cell belong to none. `CellFillRate`
-/// also says how contours are approximated: above 0.5 every border pixel is kept.
+/// All cells have the same size in whole pixels; pixels right of and below the last whole cell belong to no cell.
+/// `CellFillRate` also selects how contours are approximated: above 0.5 every border pixel is kept.
 ///
 /// Pixels are read in place during the call, in R, G, B order; rows are packed (`width * 3` bytes), `stride` is not
 /// consulted. DisposeResult leaves the mask in place: the host releases it with DestroyContourMaskProcessorResult.

@@ -9,13 +9,13 @@
 
 namespace {
 
-/// What OpenCV's approximation methods begin with.
+/// The approximation method that gives chain codes instead of points.
 constexpr int kChainCodes = 0;
 
 constexpr int kLargestArea = 0;
 constexpr int kLargestDiagonal = 1;
 
-/// In 32 bits, wrapping.
+/// Computed in 32 bits; it wraps on overflow.
 int32_t SquaredDiagonal(const cv::Size& box) {
     const auto width = static_cast<uint32_t>(box.width);
     const auto height = static_cast<uint32_t>(box.height);
@@ -32,7 +32,7 @@ double Score(const std::vector<cv::Point>& contour, int selectionMode) {
 
 std::vector<cv::Point> ContourMeasuringFunctions::GetObjectContour(cv::Rect rect, cv::Mat& mask, int method,
                                                                    int selectionMode) {
-    // Not every release of OpenCV refuses these. Chain codes would come out as points, which they are not.
+    // Not every release of OpenCV refuses these two. Chain codes would be returned as if they were points.
     CV_Assert(!mask.empty());
     CV_Assert(method != kChainCodes);
     cv::Mat region = quarry::RegionOf(mask, rect);
@@ -41,8 +41,8 @@ std::vector<cv::Point> ContourMeasuringFunctions::GetObjectContour(cv::Rect rect
     region = region(box).clone();
     std::vector<std::vector<cv::Point>> contours;
     cv::findContours(region, contours, cv::RETR_LIST, method);
-    // Moved here, since not every method takes an offset; and before the choice, since OpenCV takes areas in single
-    // precision.
+    // The offset is added here, since findContours does not apply it with every method; and before the selection, since
+    // OpenCV computes areas in single precision, so that they depend on the offset.
     for (std::vector<cv::Point>& contour : contours) {
         for (cv::Point& point : contour) point += box.tl();
     }

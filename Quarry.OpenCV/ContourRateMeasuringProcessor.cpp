@@ -1,7 +1,7 @@
 #include "Quarry.OpenCV/ContourRateMeasuringProcessor.h"
 
 ContourRateMeasuringOutputData ContourRateMeasuringProcessor::DoProcess(ContourRateMeasuringInputData data) {
-    // These two come before everything else, also where a side of the frame is 0.
+    // These two checks come first, so that they also hold when a side of the frame is 0.
     assert(data.CurrentContour.Count != 0);   // The line number of this assertion is part of the interface.
     assert(data.PreviousContour.Count != 0);  // The line number of this assertion is part of the interface.
     if (data.FrameHeight == 0 || data.FrameWidth == 0) return {0, data.DefaultRate};

@@ -12,14 +12,13 @@
 
 /// How fast an object's shape changes: the distance of two of its contours by their Hu moments (Hu, 1962), per second.
 ///
-/// Contours are in relative coordinates and are scaled to whole pixels of the frame's size first; where that is 0, the
-/// default rate comes back as it is. Identical contours give 0; an interval of 0 gives infinity or not-a-number.
+/// Contours are in relative coordinates and are first scaled to whole pixels of the frame. If a side of the frame is 0,
+/// the result is the default rate. Identical contours give 0; an interval of 0 gives infinity or not-a-number.
 ///
-/// Points are read in place during the call. The result holds no buffer. A contour that counts 0 points aborts the
-/// process.
+/// Points are read in place during the call. The result holds no buffer. A contour without points aborts the process.
 /// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
-/// @throws std::bad_alloc         a contour counts fewer than 0 points
-/// @throws std::invalid_argument  `Points` is null where some are counted
+/// @throws std::bad_alloc         `Count` of a contour is negative
+/// @throws std::invalid_argument  `Points` is null while `Count` is above 0
 /// @throws cv::Exception          `MatchMethod` is unknown
 class ContourRateMeasuringProcessor
     : public Processor<ContourRateMeasuringOptions, ContourRateMeasuringInputData, ContourRateMeasuringOutputData> {

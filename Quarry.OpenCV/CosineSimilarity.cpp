@@ -24,7 +24,8 @@ struct Sums {
     double squaresOfB = 0;
 };
 
-/// Every sum has its order, so each addition waits for the one before; in one loop the three sums wait together.
+/// The order of each sum is fixed, so each addition waits for the one before it. One loop for the three sums lets these
+/// waits overlap.
 Sums SumsOf(const float* a, const float* b) {
     Sums sums;
     for (int k = 0; k < kLength; k += kGroup) {

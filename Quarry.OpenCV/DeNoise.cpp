@@ -8,9 +8,9 @@ namespace {
 
 constexpr uint8_t kForeground = 255;
 constexpr int kThreeForegroundPixels = 3 * kForeground;
-/// Pixels whose sums are taken before any of them is cleared.
+/// Number of pixels whose sums are computed before any of them is cleared.
 constexpr int kBlockPixels = 1024;
-/// Pixels that are cleared at a time, each a digit of a number: the leftmost is the lowest.
+/// Number of pixels that are cleared together. They are the digits of one number, the leftmost pixel the lowest digit.
 constexpr int kDigits = sizeof(uint64_t);
 
 struct Rows {
@@ -19,14 +19,14 @@ struct Rows {
     const uint8_t* below;
 };
 
-/// What is known of a run of pixels before the one to its left is cleared.
+/// What can be computed for a run of pixels before their left neighbours have their new values.
 struct Block {
     int16_t aboveAndBelow[kBlockPixels + 2];  ///< of each column, from the one left of the first pixel
     uint8_t mayStay[kBlockPixels];            ///< 255: the pixel stays if its left neighbour does
     uint8_t stays[kBlockPixels];              ///< 1: it stays in any case
 };
 
-/// A loop that takes many pixels at a time: it decides nothing that the next pixel waits for.
+/// Computes a block. No pixel depends on the new value of another here, so that the compiler vectorises the loops.
 void Look(const Rows& rows, int first, int count, Block& block) {
     const uint8_t* const above = rows.above + first - 1;
     const uint8_t* const below = rows.below + first - 1;
@@ -41,29 +41,31 @@ void Look(const Rows& rows, int first, int count, Block& block) {
     }
 }
 
-/// The new pixels: whether one stays hangs on its left neighbour as a carry hangs on the digit before it. A pixel that
-/// stays in any case adds 255 and 1, so it carries; one that stays if its neighbour does adds 255 and 0, so it passes a
-/// carry on; any other adds 0 and 0, so it swallows it.
-/// @param carry  1 if the pixel to the left of these stays; then, 1 if the last of these does
+/// The new values of eight pixels. Whether a pixel stays may depend on its left neighbour, as a digit's sum depends on
+/// the carry of the digit before it, so one addition decides all eight. A pixel that stays in any case adds 255 and 1:
+/// it carries. A pixel that stays if its neighbour stays adds 255 and 0: it passes a carry on. Any other pixel adds 0
+/// and 0: it stops a carry.
+/// @param carry  before: 1 if the pixel to the left of these stays; after: 1 if the last of these stays
 uint64_t Cleared(uint64_t mayStay, uint64_t stays, uint64_t& carry) {
     constexpr uint64_t kTopBits = 0x8080808080808080;
     const uint64_t withoutCarry = mayStay + stays;
     const uint64_t sum = withoutCarry + carry;
     carry = static_cast<uint64_t>(withoutCarry < mayStay || sum < withoutCarry);
-    // 255 to which nothing came is 255; where it carried, 0 or 1 is left.
+    // A digit of 255 that carried has become 0 or 1; without a carry it is still 255.
     const uint64_t carried = mayStay & ~sum & kTopBits;
     return (carried >> 7) * kForeground;
 }
 
-/// @param carry  1 if the pixel to the left stays; then, for a full block, 1 if its last pixel does
+/// @param carry  before: 1 if the pixel to the left stays; after, for a full block: 1 if its last pixel stays
 void ClearBlock(const Rows& rows, int first, int count, Block& block, uint64_t& carry) {
     Look(rows, first, count, block);
-    // The last number may hold digits of an earlier block beyond `count`: a carry never runs down from there.
+    // Beyond `count` the last number may hold digits of an earlier block. They are higher digits, whose carries do not
+    // reach the others.
     for (int i = 0; i < count; i += kDigits) {
         uint64_t mayStay = 0;
         uint64_t stays = 0;
         std::memcpy(&mayStay, block.mayStay + i, kDigits);
-        if (mayStay == 0) {  // as nearly everywhere: nothing to wait for, and all eight are 0 already
+        if (mayStay == 0) {  // true nearly everywhere: none of the eight stays, and all of them are 0 already
             carry = 0;
             continue;
         }
@@ -74,7 +76,8 @@ void ClearBlock(const Rows& rows, int first, int count, Block& block, uint64_t& 
     std::memcpy(rows.here + first, block.mayStay, static_cast<std::size_t>(count));
 }
 
-/// The first pixel of a row, whose left neighbour is the border and so may be any byte.
+/// Clears the first pixel of a row. Its left neighbour is on the border, so it may be any byte and is summed too.
+/// @return whether the pixel stays
 bool ClearFirst(const Rows& rows) {
     int sum = 0;
     for (int c = 0; c <= 2; ++c) sum += rows.above[c] + rows.here[c] + rows.below[c];

@@ -17,13 +17,13 @@ namespace {
 /// Above this quality the averaging window is Gaussian: finer and slower.
 constexpr double kGaussianQuality = 0.7;
 
-/// False for what is not a number, so that the defaults stay.
+/// False for not-a-number too, so that the default stays.
 bool IsShare(float value) {
     return 0.0F <= value && value <= 1.0F;
 }
 
-/// Refuses a size that an allocation would serve, but not for all pixels. One that wraps to a negative number fails as
-/// an allocation.
+/// Refuses a size whose number of pixels wraps to 0 or more in 32 bits, since its buffer would be too small. If the
+/// number wraps to a negative one, the allocation fails.
 void CheckSize(const Image& image) {
     const int32_t served = quarry::Product(image.width, image.height);
     if (served >= 0 && served != int64_t{image.width} * image.height) {
@@ -67,7 +67,7 @@ void DenseOpticalFlowCalculator::DoInitialize(OFCData data) {
         previousGrey.create(height, width, CV_8UC1);
         InitResult();
     } catch (...) {
-        // Nothing half-built stays: the next frame begins anew, whatever its size.
+        // Discard what is half built, so that the next frame begins anew, whatever its size.
         Dispose();
         width = 0;
         height = 0;

@@ -7,13 +7,13 @@
 /// How far every pixel moved from the previous frame to the current one, by polynomial expansion (Farneback, SCIA
 /// 2003).
 ///
-/// Frames are read in place during the call, as R, G, B, where the other operations read B, G, R; rows are packed
-/// (`width * 3` bytes), `stride` is not consulted. The flow is written straight into the result's buffer, which is this
-/// object's own and valid until the next Update or the end. A frame of another size begins anew; a null frame
-/// gives no result and, if it is of the same size, leaves the previous frame in place.
-/// @throws cv::Exception          the frame has pixels but is empty
-/// @throws std::invalid_argument  the frame has more pixels than a 32-bit size can say; where that wraps to a negative
-///                                size it is std::bad_alloc
+/// Frames are read in place during the call, in R, G, B order; rows are packed (`width * 3` bytes), `stride` is not
+/// consulted. The flow is written straight into the result's buffer, which belongs to this object and is valid until
+/// its next Update or its end. A frame of another size begins anew. A frame with null `data` gives no result; if it has
+/// the same size, the previous frame stays in place.
+/// @throws cv::Exception          `data` is not null but the frame is empty
+/// @throws std::invalid_argument  the frame has more than 2147483647 pixels (`std::bad_alloc` if their number wraps to
+///                                a negative 32-bit number)
 class DenseOpticalFlowCalculator : public CVOpticalFlowCalculator {
 public:
     explicit DenseOpticalFlowCalculator(OFCOptions* source);

@@ -7,11 +7,12 @@
 
 namespace {
 
-/// Pixels around the ellipse's half-axes: one for its rounded outline, one beside it that has a Laplacian, and one that
-/// has none, nor a neighbour that is not black.
+/// Pixels added around the ellipse's half-axes: one for the rounded outline, one for the black pixels next to it, whose
+/// Laplacian is not 0, and one for pixels whose Laplacian is 0, since all their neighbours are black.
 constexpr int kMargin = 3;
 
-/// The part of the frame outside of which the masked frame has no Laplacian: the whole frame if none has.
+/// The part of the frame that holds all pixels of the masked frame whose Laplacian is not 0. It is the whole frame if
+/// the ellipse lies outside, or if the frame has more pixels than OpenCV can count.
 cv::Rect FaceRegion(const cv::Mat& frame, const FaceVoLInputData& face) {
     const cv::Rect whole(0, 0, frame.cols, frame.rows);
     const cv::Point reach(face.FaceWidth + kMargin, face.FaceHeight + kMargin);
@@ -27,7 +28,7 @@ VoLOutputData FaceVarianceOfLaplacianProcessor::DoProcess(FaceVoLInputData data)
     const cv::Rect region = FaceRegion(frame, data);
     cv::Mat face;
     cv::cvtColor(frame(region), face, cv::COLOR_BGR2GRAY);
-    // As large as the frame, so that the ellipse is drawn as in it; only the region is ever written or read.
+    // The mask has the frame's size, so that the ellipse is drawn as in the frame. Only the region is written or read.
     cv::Mat mask(frame.size(), CV_8UC1);
     mask(region).setTo(0);
     cv::ellipse(mask, {data.FaceX, data.FaceY}, {data.FaceWidth, data.FaceHeight}, 0.0, 0.0, 360.0, cv::Scalar(255),

@@ -3,7 +3,7 @@
 #include "Quarry.Frame/Processor.h"
 
 /// Sharpness of a face: the variance of the Laplacian (Pech-Pacheco et al., ICPR 2000) of a frame that is black outside
-/// an ellipse. The statistics run over the whole frame, so the ellipse's border and size count.
+/// an ellipse. The variance is that of the whole frame, so the ellipse's border and size affect it.
 ///
 /// Pixels are read in place during the call; rows are packed (`width * 3` bytes), `stride` is not consulted.
 /// The result holds no buffer, so giving it back releases nothing.

@@ -20,7 +20,7 @@ FilterResult FastNlMeansDenoisingFilter::DoProcess(FilterData data) {
     const Image& image = data.Image;
     cv::Mat frame;
     if (quarry::Product(image.width, image.height) > 0) {
-        frame = quarry::PackedFrame(image);  // before the stride: null pixels are OpenCV's to refuse
+        frame = quarry::PackedFrame(image);  // before the check of the stride: OpenCV refuses null pixels
         quarry::CheckRoomForPackedFrame("FilterData.Image", image.width, image.height, image.stride);
     }
     quarry::PendingResult result(CreateFilterResult(image.width, image.height, image.stride, image.timestamp),

@@ -5,8 +5,8 @@
 /// A denoised copy of a colour frame, by non-local means (Buades, Coll and Morel, IPOL 2011) with fixed strength.
 ///
 /// The frame is read in place during the call; rows are packed (`width * 3` bytes). The result has the frame's size,
-/// stride and timestamp; its rows are packed, and what its stride leaves over stays as allocated. That of an empty
-/// frame has a buffer that nothing was written into. The host gives it back with DisposeResult.
+/// stride and timestamp; its rows are packed, and the bytes that its stride leaves over are not written. For an empty
+/// frame the whole buffer is not written. The host gives the result back with DisposeResult.
 /// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
 /// @throws cv::Exception          `data` is null while the frame is not empty, or width and height are both negative
 /// @throws std::invalid_argument  `stride` leaves no room for the packed rows of the result

@@ -11,22 +11,23 @@ namespace quarry {
 
 namespace {
 
-// The decision depends on the colour alone, so it is made for all colours when the library is built. kFlameBlues holds,
-// per red and green, the first and last of two runs of blues; it starts at the least red and green that any flame has.
-// kLeastWarmth is the least red + green - blue of any flame, which tells most greys from flames.
+// Whether a pixel is a flame depends on its colour alone, so it is decided for all colours when the library is built.
+// For each red and green, kFlameBlues holds the first and last blue of two runs of flame colours. The table starts at
+// the lowest red and green of any flame. kLeastWarmth is the lowest red + green - blue of any flame; most greys are
+// below it.
 #include "FlameTable.inc"
 
-/// @param pixel  its red and green are not below the least of any flame
+/// @param pixel  its red is at least kLeastRed, its green at least kLeastGreen
 bool IsFlame(const uchar* pixel) {
     const uint8_t* const runs = kFlameBlues[pixel[2] - kLeastRed][pixel[1] - kLeastGreen];
     const uchar blue = pixel[0];
-    // Without branches, which a camera's noise would make hard to predict.
+    // No branches, since a camera's noise would make them hard to predict.
     return ((runs[0] <= blue) & (blue <= runs[1])) | ((runs[2] <= blue) & (blue <= runs[3]));
 }
 
 constexpr std::size_t kPart = 16;                 // bytes compared at a time
 constexpr std::size_t kBlock = 16;                // pixels, three parts
-constexpr uint64_t kFirstBytes = 0x249249249249;  // of the pixels of a block, one bit each
+constexpr uint64_t kFirstBytes = 0x249249249249;  // a bit per byte of a block, set for the first byte of each pixel
 
 __m128i Load(const uchar* bytes) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
@@ -36,8 +37,9 @@ __m128i NotBelow(__m128i values, int least) {
     return _mm_cmpeq_epi8(_mm_max_epu8(values, _mm_set1_epi8(static_cast<char>(least))), values);
 }
 
-/// The first pixel bytes of a block that pass, one bit each.
-/// @param test  for 16 bytes at an address, each of which is taken as a pixel's first
+/// Tests the pixels of a block.
+/// @param test  tests 16 bytes from an address on, each as if it were the first byte of a pixel
+/// @return a bit per byte, set for the first byte of each pixel that passes
 template <class Test>
 uint64_t Passing(const uchar* block, Test test) {
     uint64_t passing = 0;
@@ -55,14 +57,14 @@ __m128i MayBeFlame(const uchar* pixels) {
     const __m128i blue = Load(pixels);
     const __m128i green = Load(pixels + 1);
     const __m128i red = Load(pixels + 2);
-    // A sum above 255 stays there, which is not below the least either.
+    // The additions saturate: a sum above 255 becomes 255, which is not below kLeastWarmth either.
     const __m128i warmth = _mm_subs_epu8(_mm_adds_epu8(red, _mm_subs_epu8(green, blue)), _mm_subs_epu8(blue, green));
     return _mm_and_si128(IsRed(pixels), _mm_and_si128(NotBelow(green, kLeastGreen), NotBelow(warmth, kLeastWarmth)));
 }
 
-/// Marks the flames of a block. Two bytes behind it are read.
+/// Marks the flames of a block. It reads two bytes beyond the block.
 void MarkBlock(const uchar* block, uchar* marks) {
-    if (Passing(block, IsRed) == 0) return;  // as most blocks of most frames
+    if (Passing(block, IsRed) == 0) return;  // true of most blocks of most frames
     for (uint64_t left = Passing(block, MayBeFlame); left != 0; left &= left - 1) {
         const int byte = __builtin_ctzll(left);
         marks[byte / kFrameChannels] = IsFlame(block + byte) ? kFlame : 0;

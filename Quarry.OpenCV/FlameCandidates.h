@@ -4,11 +4,12 @@
 
 namespace quarry {
 
-/// What marks a pixel of flame in a mask; the others are 0.
+/// Value of a flame pixel in a mask; the other pixels are 0.
 constexpr uchar kFlame = 255;
 
-/// The pixels of a frame that have the colour of a flame, by PixelwiseFireProcessor's rules for colours.
+/// Marks the pixels of a frame that have the colour of a flame by PixelwiseFireProcessor's rules.
 /// @param frame  CV_8UC3 in B, G, R order, packed
+/// @return CV_8UC1 of the frame's size, kFlame or 0
 cv::Mat FlameCandidates(const cv::Mat& frame);
 
 }  // namespace quarry

@@ -5,13 +5,14 @@
 
 namespace {
 
-/// The light of a channel, 0..100, from its byte's value.
+/// Linear light of an sRGB channel, 0..100.
+/// @param channel  0..255
 double Linear(double channel) {
     const double c = channel / 255.0;
     return (c > 0.04045 ? std::pow((c + 0.055) / 1.055, 2.4) : c / 12.92) * 100.0;
 }
 
-/// CIE's compression of a tristimulus value.
+/// CIE's function f of a tristimulus value relative to the white point's.
 double Compressed(double t) {
     return t > 0.008856 ? std::pow(t, 1.0 / 3.0) : 7.787 * t + 16.0 / 116.0;
 }
@@ -33,7 +34,7 @@ PixelwiseFireProcessor::Lab PixelwiseFireProcessor::RGB2Lab(double r, double g, 
 
 bool PixelwiseFireProcessor::ColorLabLIsFlame(double L, double a) {
     const double t1 = 4200.0 - (a + 42.0) * (a + 42.0);
-    const double bound1 = t1 > 0 ? 34.0 + std::sqrt(t1) : L + 1.0;  // L + 1: what follows fails
+    const double bound1 = t1 > 0 ? 34.0 + std::sqrt(t1) : L + 1.0;  // L + 1 makes the comparison below fail
     const double t2 = 1600.0 - (a + 7.0) * (a + 7.0);
     const double bound2 = t2 > 0 ? std::sqrt(t2) + 59.5 : L - 1.0;
     if (!(a > -23.0) || !(a < 51.0)) return false;

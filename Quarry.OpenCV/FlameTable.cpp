@@ -1,7 +1,7 @@
-// Runs while the library is built: prints the colours of flames, by the library's own rules, as a table to include.
+// Runs while the library is built. It prints the flame colours, by the library's own rules, as a table to include.
 //
-// The table is the same wherever it is made: no value that the rules compare comes closer than 1e-8 to its bound, which
-// is far more than mathematics libraries differ by.
+// The table is the same on every machine: no value that the rules compare comes closer than 1e-8 to its bound, and
+// mathematics libraries differ by far less.
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>

@@ -6,13 +6,13 @@
 
 namespace {
 
-/// Bytes that begin with 0 and equal themselves shifted by one. The comparison is the standard library's, which takes
-/// the widest steps that the machine has.
+/// Whether all bytes are 0: the first is 0, and each equals the next. std::memcmp compares them, since it uses the
+/// widest instructions of the machine.
 bool AllZero(const uint8_t* bytes, std::ptrdiff_t count) {
     return count <= 0 || (*bytes == 0 && std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0);
 }
 
-/// The first byte that is not 0, by halves. There is one before `end`.
+/// The index of the first byte that is not 0, by bisection. There must be one before `end`.
 std::ptrdiff_t BeginOfNotZero(const uint8_t* bytes, std::ptrdiff_t end) {
     std::ptrdiff_t begin = 0;
     while (end - begin > 1) {
@@ -22,7 +22,7 @@ std::ptrdiff_t BeginOfNotZero(const uint8_t* bytes, std::ptrdiff_t end) {
     return begin;
 }
 
-/// Behind the last byte that is not 0, by halves. There is one at `begin` or later.
+/// One more than the index of the last byte that is not 0, by bisection. There must be one at `begin` or later.
 std::ptrdiff_t EndOfNotZero(const uint8_t* bytes, std::ptrdiff_t begin, std::ptrdiff_t end) {
     while (end - begin > 1) {
         const std::ptrdiff_t middle = begin + (end - begin) / 2;
@@ -31,7 +31,7 @@ std::ptrdiff_t EndOfNotZero(const uint8_t* bytes, std::ptrdiff_t begin, std::ptr
     return end;
 }
 
-/// A stretch of bytes of a row.
+/// A range of bytes of a row; `end` is excluded.
 struct Span {
     std::ptrdiff_t begin, end;
 };
@@ -60,7 +60,7 @@ cv::Rect ForegroundBox(const cv::Mat& image) {
     while (AllZero(image.ptr(bottom - 1), count)) --bottom;
 
     const std::ptrdiff_t seed = BeginOfNotZero(image.ptr(top), count);
-    // The row in the middle first: it is often as wide as any, so that the others have little to widen.
+    // The middle row comes first: it is often the widest, so that the others rarely widen the span.
     Span span = Widened({seed, seed + 1}, image.ptr(top + (bottom - top) / 2), count);
     for (int row = top; row < bottom; ++row) span = Widened(span, image.ptr(row), count);
 

@@ -4,12 +4,13 @@
 
 namespace quarry {
 
-/// The upright box of the pixels that have a byte other than 0, and one pixel around it where the image goes on; the
-/// first pixel when there are none.
+/// The bounding box of all pixels that have a byte other than 0, with a margin of one pixel, clipped to the image. If
+/// all bytes are 0, it is the image's first pixel.
 ///
-/// The contours of the box are those of the image, shifted: what is left out is 0, so that all other pixels keep their
-/// neighbours and are met in the same order, row by row, and the box ends at the image's edges or at zeros.
-/// @param image  8-bit; one without pixels, or with a negative side, has an empty box
+/// The contours in the box are those in the image, shifted. All pixels outside the box are 0, and its margin is 0 or
+/// the image's edge, so each foreground pixel keeps its neighbours, and a search row by row meets the pixels in the
+/// same order.
+/// @param image  8-bit; the box is empty if the image has no pixels or a negative side
 cv::Rect ForegroundBox(const cv::Mat& image);
 
 }  // namespace quarry

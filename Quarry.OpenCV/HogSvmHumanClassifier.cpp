@@ -50,7 +50,7 @@ void HogSvmHumanClassifier::CalcInternalParametrs(double sensitivity) {
     constexpr Search kSearches[] = {{0.25, 16, 1.15}, {0.5, 8, 1.12}, {0.75, 4, 1.1}};
     Search search = {0, 2, 1.05};
     for (const Search& coarser : kSearches) {
-        if (sensitivity >= coarser.below) continue;  // a sensitivity that is not a number searches like the lowest
+        if (sensitivity >= coarser.below) continue;  // false for not-a-number, which gets the coarsest search
         search = coarser;
         break;
     }
@@ -106,8 +106,8 @@ void HogSvmHumanClassifier::Filter(const cv::Rect& area, const std::vector<cv::R
 }
 
 std::vector<bool> HogSvmHumanClassifier::FindContained(const std::vector<cv::Rect>& rectangles) {
-    // From left to right: what contains a rectangle starts no further right than it, and no further left than the
-    // widest of all could.
+    // Sorted by the left side: a rectangle that contains `inner` starts between inner.br().x - widest and inner.x, so
+    // only those are compared.
     std::vector<std::size_t> order(rectangles.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::sort(order.begin(), order.end(),

@@ -28,7 +28,7 @@ enum Keypoint {
     RightAnkle = 16
 };
 
-// Half the width of a leg, as shares of the trunk's scale, and where the shin ends above the ankle.
+// Half the width of a leg at its joints, as shares of a scale, and the height above the ankle at which the shin ends.
 constexpr double kScale = 0.25;  // of the distance from shoulder to hip
 constexpr double kHalfHip = 0.5;
 constexpr double kHalfKnee = 0.4;
@@ -52,7 +52,7 @@ Body PixelsOf(const FloatPoint* keypoints, const cv::Size& frame) {
     return body;
 }
 
-/// A point moved by some pixels; it stops where the integers end.
+/// A point moved by some pixels; its coordinates saturate at the limits of int.
 cv::Point Moved(const cv::Point& point, int right, int up) {
     return {cv::saturate_cast<int>(int64_t{point.x} + right), cv::saturate_cast<int>(int64_t{point.y} - up)};
 }
@@ -61,13 +61,15 @@ Quadrilateral Torso(const Body& body) {
     return {body[LeftShoulder], body[RightShoulder], body[RightHip], body[LeftHip]};
 }
 
-/// A part of a leg between two joints, each with half of its width there.
+/// A part of a leg between two joints.
+/// @param upperHalf, lowerHalf  half its width at the joint, pixels
+/// @param lift  how far above the lower joint it ends, pixels
 Quadrilateral Limb(const cv::Point& upper, int upperHalf, const cv::Point& lower, int lowerHalf, int lift = 0) {
     return {Moved(upper, -upperHalf, 0), Moved(upper, upperHalf, 0), Moved(lower, lowerHalf, lift),
             Moved(lower, -lowerHalf, lift)};
 }
 
-/// How far above the ankle a shin stops, so that shoes do not count.
+/// How far above the ankle a shin ends, in pixels: shoes do not count.
 int AnkleLift(const cv::Point& knee, const cv::Point& ankle) {
     return quarry::Truncate(kAnkleLift * std::abs(static_cast<double>(knee.y) - ankle.y));
 }
@@ -110,7 +112,7 @@ std::vector<cv::Vec3f> SamplesOf(const cv::Mat& frame, const cv::Mat& mask) {
 /// @return where the next area's go
 float* WriteColors(const std::vector<cv::Vec3f>& samples, float* out) {
     const int count = static_cast<int>(samples.size());
-    CV_Assert(count >= kColors);  // cv::kmeans takes a single row of three channels for three samples
+    CV_Assert(count >= kColors);  // cv::kmeans would read a single sample of three channels as three samples
     cv::Mat labels;
     cv::Mat centers;
     cv::kmeans(cv::Mat(samples).reshape(1), kColors, labels,
@@ -131,7 +133,7 @@ float* WriteColors(const std::vector<cv::Vec3f>& samples, float* out) {
 KMeanResult KMeanColorExtractor::DoProcess(KMeanData data) {
     const cv::Mat frame = quarry::PackedFrame(data.Image);
     quarry::CheckArray("KMeanData.Keypoints.Points", data.Keypoints.Points, kKeypoints, "points");
-    CV_Assert(!frame.empty());  // millions of rows without pixels would be walked through
+    CV_Assert(!frame.empty());  // the loops would run through millions of rows without pixels
     const Body body = PixelsOf(data.Keypoints.Points, frame.size());
     const std::vector<cv::Vec3f> torso = SamplesOf(frame, MaskOf({Torso(body)}, frame.size()));
     const std::vector<cv::Vec3f> legs = SamplesOf(frame, MaskOf(Legs(body), frame.size()));

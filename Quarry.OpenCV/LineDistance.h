@@ -6,9 +6,9 @@
 
 namespace quarry {
 
-/// How far points lie from the straight line through two others, negative on the side where the cross product with its
-/// direction is. Single precision throughout, but for the root of the area. Not a number where the two are equal, and
-/// where rounding leaves the squared area below 0.
+/// Signed distances of points from the straight line through p1 and p2. The sign is that of the cross product of
+/// p2 - p1 and the vector from p1 to the point. A distance is not a number if p1 equals p2, or if rounding makes the
+/// squared area negative. All steps are in single precision, except the root of the area and the division by the base.
 class LineDistance {
 public:
     LineDistance(const cv::Point2f& p1, const cv::Point2f& p2) : first(p1), second(p2), base(Length(p2 - p1)) {}
@@ -33,7 +33,7 @@ private:
     float base;
 };
 
-/// Where the flow moves the pixel that an iterator over it is at.
+/// The position to which the flow moves the iterator's pixel.
 inline cv::Point2f MovedPixel(const cv::Mat& flow, const cv::LineIterator& line) {
     const cv::Point pixel = line.pos();
     const auto& motion = flow.at<cv::Point2f>(pixel);

@@ -45,7 +45,7 @@ cv::Mat Correlation(const cv::Mat& a, const cv::Mat& b) {
 
 /// The window around a centre, in grey. Beyond the frame its border pixels are repeated.
 cv::Mat GreyWindow(const cv::Mat& frame, const cv::Size& size, const cv::Point2d& center) {
-    CV_Assert(frame.rows > 0 && frame.cols > 0);  // cv::getRectSubPix reads a border pixel even where there is none
+    CV_Assert(frame.rows > 0 && frame.cols > 0);  // cv::getRectSubPix reads a border pixel even of an empty frame
     cv::Mat window;
     cv::getRectSubPix(frame, size, cv::Point2f(center), window);
     if (window.channels() > 1) cv::cvtColor(window, window, cv::COLOR_BGR2GRAY);
@@ -80,7 +80,7 @@ void MosseTracker::DoInitialize(MosseTrackerData data) {
     const PixelRect& rect = data.InitialRect;
     initImpl(quarry::PackedFrame(data.Image), cv::Rect2d(rect.X, rect.Y, rect.Width, rect.Height));
     InitResult();
-    // Last: a tracker that lacks its filter or its result begins with the next frame.
+    // This comes last, so that a tracker without its filter or result is initialised again with the next frame.
     needInitialize = false;
 }
 
@@ -111,7 +111,7 @@ void MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect)
     cv::createHanningWindow(hanningWindow, size, CV_32F);
     G = WantedResponse(size);
 
-    // All samples are alike, so one is warped and transformed.
+    // All samples are equal, so one is warped and transformed.
     cv::Mat sample = randWarp(window);
     preProcess(sample);
     const cv::Mat spectrum = Spectrum(sample);
@@ -122,7 +122,7 @@ void MosseTracker::initImpl(const cv::Mat& frame, const cv::Rect_<double>& rect)
 
 cv::Mat MosseTracker::randWarp(const cv::Mat& window) {
     cv::Mat_<float> warp(2, 3);
-    warp << 0.990821838F, -0.111482464F, 0.0F,  // nine digits name a float exactly
+    warp << 0.990821838F, -0.111482464F, 0.0F,  // nine digits determine a float exactly
         -0.0472080261F, 0.966010690F, 0.0F;
     const int halfWidth = window.cols / 2;
     const int halfHeight = window.rows / 2;
@@ -140,8 +140,8 @@ void MosseTracker::preProcess(cv::Mat& window) const {
     cv::Scalar mean;
     cv::Scalar deviation;
     cv::meanStdDev(window, mean, deviation);
-    // Two steps: as one expression OpenCV would scale before it shifts, and what that rounds in a plain window, divided
-    // by kEps alone, is large enough to pass for a target.
+    // Two steps, since OpenCV would scale one expression before it subtracts. In a plain window the deviation is 0: the
+    // rounding error of that order, divided by kEps alone, would be large enough to pass for a target.
     cv::subtract(window, mean, window);
     cv::divide(window, cv::Scalar(deviation[0] + kEps), window);
     cv::multiply(window, hanningWindow, window);
@@ -185,7 +185,7 @@ cv::Mat MosseTracker::divDFTs(const cv::Mat& numerator, const cv::Mat& denominat
         for (int x = 0; x < quotient.cols; ++x) {
             const float squared = b[x][0] * b[x][0] + b[x][1] * b[x][1];
             const float real = (a[x][0] * b[x][0] + a[x][1] * b[x][1]) / squared;
-            // A sum on purpose, no difference: the filter is defined with it.
+            // A sum, not a difference: the filter is defined with it.
             const float imaginary = -(a[x][1] * b[x][0] + a[x][0] * b[x][1]) / squared;
             out[x] = squared == 0.0F ? cv::Vec2f() : cv::Vec2f(real, imaginary);
         }
@@ -206,12 +206,12 @@ bool MosseTracker::updateImpl(const cv::Mat& frame) {
     const double psr = correlate(spectrum, delta);
     if (psr < psrThreshold) return false;
     const cv::Point2d place = center + cv::Point2d(delta);
-    // Where the target stands still, the patch around it is the one that was searched.
+    // If the target has not moved, its patch is the one that was searched.
     if (delta != cv::Point()) spectrum = PatchSpectrum(frame, place);
     const cv::Mat numerator = Correlation(G, spectrum) * learningRate + A * (1 - learningRate);
     const cv::Mat denominator = Correlation(spectrum, spectrum) * learningRate + B * (1 - learningRate);
     H = divDFTs(numerator, denominator);
-    // All that can fail is behind: the tracker changes as a whole or not at all.
+    // Nothing below can fail, so the tracker changes as a whole or not at all.
     A = numerator;
     B = denominator;
     center = place;

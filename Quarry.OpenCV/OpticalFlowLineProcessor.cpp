@@ -20,14 +20,14 @@ int RoundHalfUp(float value) {
     return quarry::Truncate(static_cast<double>(value) + 0.5);
 }
 
-/// Which of `length` values is the i-th of fewer that are picked.
+/// The index, among `length` values, of the i-th of `count` evenly picked ones.
 int PickedIndex(int i, int length, int count) {
     const int index = RoundHalfUp(static_cast<float>(i) * static_cast<float>(length) / static_cast<float>(count));
     return std::min(index, length - 1);
 }
 
-/// Picks from the profile of a line that has more than `count` pixels; only what is picked is computed. The pixels are
-/// gathered first, so that several distances are computed at a time.
+/// Picks `count` values from the profile of a line with more pixels, and computes only these. The moved pixels are
+/// collected first, so that the compiler vectorises the distances.
 void PickProjections(const cv::Mat& flow, const cv::Point2f& p1, const cv::Point2f& p2, cv::LineIterator line,
                      float* out, int count) {
     std::vector<cv::Point2f> moved(static_cast<std::size_t>(count));

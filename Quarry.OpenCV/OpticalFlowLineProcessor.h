@@ -18,7 +18,8 @@ public:
     OFLineResult DoProcess(OFLineData data) override;
     void DoDisposeData(OFLineResult* result) override;
 
-    /// Resamples a buffer to `count` values, nearest neighbour: repeats each value a whole number of times, or picks.
+    /// Resamples a buffer to `count` values by nearest neighbour: repeats each value a whole number of times (the last
+    /// one as often as needed) or picks values.
     /// @param buffer  not empty
     static void CopyBufferToResult(const std::vector<float>& buffer, float* out, int count);
 };

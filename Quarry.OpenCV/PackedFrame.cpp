@@ -21,7 +21,8 @@ void CheckRoomForPackedFrame(const char* field, int width, int height, int64_t s
         throw std::invalid_argument(std::string(field) + ".stride is " + std::to_string(stride) +
                                     "; at least width x 3 = " + std::to_string(packed) + " is needed");
     }
-    // A product that wraps to a negative number fails as an allocation; one that wraps may leave room all the same.
+    // If the product wraps to a negative number, the allocation fails. If it wraps to a positive one, there may be room
+    // nevertheless.
     const int64_t room = Product(height, static_cast<int32_t>(stride));
     if (stride > std::numeric_limits<int32_t>::max() || (room >= 0 && room < height * packed)) {
         throw std::invalid_argument(std::string(field) + ": height " + std::to_string(height) + " x stride " +

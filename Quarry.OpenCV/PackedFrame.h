@@ -21,14 +21,14 @@ inline cv::Mat PackedFrame(const Image& image) {
     return PackedFrame(image.data, image.width, image.height);
 }
 
-/// Checks a frame's size where OpenCV would not: it works through one that is negative both ways as if it had pixels.
-/// @param field  the record's field that holds it, for the message
+/// Checks that no side of a frame is negative. If both are, OpenCV would process the frame as if it had pixels.
+/// @param field  the record's field that holds the size, for the message
 /// @throws std::invalid_argument  either side is negative
 void CheckFrameSize(const char* field, int width, int height);
 
 /// Checks that a buffer of `height * stride` bytes, counted in 32 bits, has room for the packed frame that will be
-/// written into it. An empty frame needs none.
-/// @param field  the record's field that says so, for the message
+/// written into it. An empty frame needs no room.
+/// @param field  the record's field that holds size and stride, for the message
 /// @throws std::invalid_argument  `stride` is below `width * 3` or does not fit 32 bits, or the product wraps to fewer
 ///                                bytes than the frame has
 void CheckRoomForPackedFrame(const char* field, int width, int height, int64_t stride);

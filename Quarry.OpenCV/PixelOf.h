@@ -7,7 +7,7 @@
 
 namespace quarry {
 
-/// A point relative to a frame in its pixels, truncated. The products are taken in single precision.
+/// A relative point in pixels of the frame, truncated. The products are computed in single precision.
 inline cv::Point PixelOf(const FloatPoint& point, int width, int height) {
     return {Truncate(point.X * static_cast<float>(width)), Truncate(point.Y * static_cast<float>(height))};
 }

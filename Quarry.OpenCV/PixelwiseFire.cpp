@@ -38,7 +38,7 @@ cv::Range RowsOf(const cv::Mat& candidates) {
 
 /// The contour of the largest region that the candidates form; empty when none is large enough.
 std::vector<cv::Point> LargestRegion(const cv::Mat& candidates) {
-    // The rows above and below hold nothing, so that without them the same contours are found, in the same order.
+    // The other rows hold no candidate, so the same contours are found without them, in the same order.
     const cv::Range rows = RowsOf(candidates);
     if (rows.empty()) return {};
     std::vector<std::vector<cv::Point>> contours;
@@ -55,7 +55,7 @@ std::vector<cv::Point> LargestRegion(const cv::Mat& candidates) {
     return bestArea > kMinArea ? std::move(contours[best]) : std::vector<cv::Point>();
 }
 
-/// Draws a region, filled and grown.
+/// Draws a region, filled and dilated.
 /// @param mask  zeros
 void DrawGrown(const std::vector<cv::Point>& region, cv::Mat& mask) {
     constexpr int kReach = 5;
@@ -64,7 +64,7 @@ void DrawGrown(const std::vector<cv::Point>& region, cv::Mat& mask) {
     const cv::Mat kernel = cv::getStructuringElement(cv::MORPH_ELLIPSE, {kSide, kSide}, {kReach, kReach});
     cv::drawContours(mask, std::vector<std::vector<cv::Point>>{region}, 0, cv::Scalar(quarry::kFlame), cv::FILLED);
 
-    // Beyond what it can reach the region changes nothing.
+    // Dilation changes no pixel beyond its reach, so only that part of the mask is dilated.
     constexpr int kGrowth = kReach * kIterations;
     const cv::Rect core = cv::boundingRect(region);
     const cv::Rect reached =
@@ -80,7 +80,7 @@ FireOutputData PixelwiseFireProcessor::DoProcess(FireInputData data) {
     const Image& image = data.Frame;
     CheckSize(image);
     const cv::Mat frame = quarry::PackedFrame(image);
-    CV_Assert(!frame.empty());  // OpenCV would work its way through millions of rows without pixels
+    CV_Assert(!frame.empty());  // OpenCV would loop over millions of rows without pixels
     const std::vector<cv::Point> region = LargestRegion(quarry::FlameCandidates(frame));
     quarry::PendingResult result(CreateFireOutputData(image.width, image.height), DestroyFireOutputData);
     cv::Mat mask(image.height, image.width, CV_8UC1, result->FireMask->data, static_cast<std::size_t>(image.width));

@@ -21,20 +21,21 @@ bool IsBetween(float value, float a, float b) {
     return (a <= value && value <= b) || (b <= value && value <= a);
 }
 
-/// The point is the end of the side, or the side is level and holds it.
+/// Whether the point is the end of the side, or lies on it while it is horizontal.
 bool Touches(const cv::Point2f& from, const cv::Point2f& to, const cv::Point2f& point) {
     if (point.y != to.y) return false;
     return point.x == to.x || (point.y == from.y && IsBetween(point.x, from.x, to.x));
 }
 
-/// The side crosses the point's row, one end counted and the other not, and not only left of the point.
+/// Whether the side crosses the point's row and does not lie entirely left of the point. Of a side's two ends only the
+/// upper one counts as crossing.
 bool RunsPast(const cv::Point2f& from, const cv::Point2f& to, const cv::Point2f& point) {
     const bool crossesRow = (from.y <= point.y) != (to.y <= point.y);
     return crossesRow && (from.x >= point.x || to.x >= point.x);
 }
 
-/// Twice the area between a side and a point, and how far it may be off when it is computed in single precision: at
-/// most four roundings by 2^-24, and as much again for certain.
+/// Twice the signed area of the triangle of a side and a point, and a bound of its error in single precision: four
+/// roundings of 2^-24 each, doubled for safety.
 struct Turn {
     Turn(const cv::Point2f& from, const cv::Point2f& to, const cv::Point2f& point) {
         const double a = (double{point.y} - from.y) * (double{to.x} - from.x);
@@ -60,8 +61,8 @@ PolygonRows::PolygonRows(const std::vector<cv::Point2f>& corners) : polygon(corn
     SortSides();
 }
 
-/// As many bands as let each side stand in a few of them on average: the more often the polygon climbs from its top to
-/// its bottom, the fewer.
+/// Finds the polygon's rows and the number of bands. Each side should lie in a few bands on average, so the more often
+/// the polygon runs between its top and its bottom, the fewer bands there are.
 void PolygonRows::Measure() {
     double climbs = 0;
     float last = polygon.back().y;
@@ -79,7 +80,7 @@ void PolygonRows::Measure() {
     starts.assign(static_cast<std::size_t>(bands) + 1, 0);
 }
 
-/// Grows with y, so that what lies between the ends of a side lies between their bands.
+/// The band never decreases as y grows, so a point between the ends of a side is in a band between theirs.
 std::size_t PolygonRows::BandOf(float y) const {
     return std::min(static_cast<std::size_t>((double{y} - top) * bandsPerRow), starts.size() - 2);
 }
@@ -98,7 +99,7 @@ void PolygonRows::SortSides() {
     };
     forEachBand([this](std::size_t band, auto, auto) { ++starts[band]; });
     std::size_t end = 0;
-    for (std::size_t& start : starts) start = end += start;  // ends, until sides are put in front of them
+    for (std::size_t& start : starts) start = end += start;  // the bands' ends; each side below moves one to the front
     sides.resize(end);
     forEachBand([this](std::size_t band, std::size_t from, std::size_t to) {
         sides[--starts[band]] = {polygon[from], polygon[to]};

@@ -20,8 +20,8 @@ bool IsWritten(const RectExtractorData& data) {
     return data.Image.height != 0 && data.Image.data != nullptr && data.Width != 0 && data.Height != 0;
 }
 
-/// The result's stride: its width at the frame's bytes per pixel.
-/// @throws std::invalid_argument  it cannot be told, or leaves no room for what will be written
+/// The result's stride: its width times the frame's bytes per pixel.
+/// @throws std::invalid_argument  the frame's width is 0, a size is negative, or a stride is too small for packed rows
 int StrideOfResult(const RectExtractorData& data) {
     const Image& image = data.Image;
     quarry::CheckFrameSize("RectExtractorData.Image", image.width, image.height);
@@ -66,7 +66,7 @@ void RectExtractor::ExtractRect(const cv::Mat& source, cv::Mat& destination, int
     try {
         cv::warpAffine(source, destination, matrix, destination.size(), cv::WARP_INVERSE_MAP | interpolation);
     } catch (...) {
-        // Carriage returns alone: operators' terminals show one line that the next overwrites.
+        // The lines end in a carriage return alone, so that each overwrites the last one on an operator's terminal.
         PrintSize("SRC", source);
         PrintSize("DST", destination);
         throw;

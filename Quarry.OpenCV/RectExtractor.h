@@ -6,12 +6,13 @@
 
 /// A rotated rectangle cut out of a frame, upright.
 ///
-/// The result is of the size that the host asks for, its centre on the rectangle's; where the rectangle leaves the
-/// frame it is black. The angle counts in single precision. A frame without pixels gives a result that is not written.
+/// The result has the size that the host asks for, and its centre is the rectangle's. It is black where the rectangle
+/// leaves the frame. The angle is rounded to single precision. If the frame has no pixels, those of the result are not
+/// written.
 ///
 /// The frame is read in place during the call, as packed rows (`width * 3` bytes). The result's rows are packed too;
-/// its `stride` is `Width` times the bytes per pixel that the frame's stride and width say. The host gives it back with
-/// DisposeResult.
+/// its `stride` is `Width` times the whole number of bytes per pixel, `stride / width`, of the frame. The host gives it
+/// back with DisposeResult.
 /// @throws MarshalingException    a record's length word or tag is wrong; the result record is untouched
 /// @throws std::invalid_argument  the frame's width is 0, a size is negative, or the frame's stride leaves no room for
 ///                                the packed rows of the result

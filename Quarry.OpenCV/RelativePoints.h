@@ -9,7 +9,7 @@
 namespace quarry {
 
 /// Writes points in relative coordinates of a frame, in their order.
-/// @param origin  of the points, pixels of the frame
+/// @param origin  of the points' coordinates, in pixels of the frame
 inline void WriteRelativePoints(const std::vector<cv::Point>& points, const cv::Point& origin, const cv::Size& frame,
                                 FloatPoint* out) {
     for (const cv::Point& point : points) {

@@ -27,7 +27,7 @@ cv::Mat Rotated(const cv::Mat& frame, double angle, double scale) {
 TransformResult RotationTransformProcessor::DoProcess(RotationTransformData data) {
     const Image& image = data.Frame;
     quarry::CheckFrameSize("TransformOptions", options.Width, options.Height);
-    // The header before the stride: null pixels are OpenCV's to refuse.
+    // The header comes before the check of the stride: OpenCV refuses null pixels.
     const cv::Mat frame = quarry::PackedFrame(image.data, options.Width, options.Height);
     quarry::CheckRoomForPackedFrame("RotationTransformData.Frame", options.Width, options.Height, image.stride);
     const cv::Mat rotated = Rotated(frame, data.Angle, data.Scale);

@@ -4,8 +4,8 @@
 
 namespace quarry {
 
-/// The value without its fraction. What does not fit, and what is not a number, gives the lowest integer: the
-/// processor's own answer, so that it is the same in every build, where a cast would leave it undefined.
+/// The value without its fraction. A value that does not fit, or is not a number, gives the lowest integer. This is the
+/// result of the processor's own instruction, the same in every build; the result of a cast would be undefined.
 inline int Truncate(float value) {
     return _mm_cvttss_si32(_mm_set_ss(value));
 }

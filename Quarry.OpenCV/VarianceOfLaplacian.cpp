@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Squares that are summed in 32 bits: none exceeds (4 x 255)^2.
+/// Number of squares whose sum fits 32 bits: none exceeds (4 x 255)^2.
 constexpr int kSquaresInAnInt = std::numeric_limits<int32_t>::max() / (4 * 255 * 4 * 255);
 
 struct Rows {
@@ -19,7 +19,7 @@ struct Rows {
     const uint8_t* below;
 };
 
-/// The index, or its reflection when it is one beyond the picture: the one inside, or itself if there is no other.
+/// The index, or its reflection if it is one beyond the picture: that of the neighbour inside, or 0 if there is none.
 int ReflectedIndex(int index, int count) {
     return cv::borderInterpolate(index, count, cv::BORDER_REFLECT_101);
 }
@@ -64,8 +64,8 @@ int64_t SumOfSquares(const cv::Mat& grey) {
     return sum;
 }
 
-/// The sum of the Laplacian. What each pixel gives to its neighbours and loses as a centre cancels out, but at the
-/// border: the pixels one further in give to it twice, and it gives nothing to its own reflection.
+/// The sum of the Laplacian. Inside the picture the contributions of a pixel to its four neighbours cancel its own
+/// weight of -4. Only the differences between the reflected pixels and the border pixels remain.
 int64_t Sum(const cv::Mat& grey) {
     const int lastColumn = grey.cols - 1;
     const int leftInside = ReflectedIndex(-1, grey.cols);
@@ -85,7 +85,7 @@ int64_t Sum(const cv::Mat& grey) {
     return sum;
 }
 
-/// The deviation by OpenCV's own steps.
+/// The deviation as OpenCV computes it.
 double PlainDeviation(const cv::Mat& grey) {
     cv::Mat laplacian;
     cv::Laplacian(grey, laplacian, CV_64F);
@@ -95,8 +95,7 @@ double PlainDeviation(const cv::Mat& grey) {
     return deviation[0];
 }
 
-/// The same from the sums, which are exact either way: what cv::meanStdDev makes of them, rounded step by step as
-/// there.
+/// The same deviation from the sums, which are exact in both cases: the steps round as those of cv::meanStdDev do.
 double DeviationOfSums(int64_t sum, int64_t squares, std::size_t pixels) {
     const double share = 1.0 / static_cast<double>(pixels);
     const double mean = static_cast<double>(sum) * share;

@@ -8,13 +8,14 @@
 
 namespace quarry {
 
-/// OpenCV counts pixels in an int. Up to there the sums over a Laplacian stay below 2^53, so a double holds each of
-/// them exactly, whatever the order they are taken in. Beyond, the result is what OpenCV makes of the whole picture.
+/// The most pixels that OpenCV counts. Up to this number the sums over a Laplacian stay below 2^53, so that a double
+/// holds them exactly, whatever the order of the additions. For more pixels OpenCV computes the whole picture.
 constexpr std::size_t kCountablePixels = std::numeric_limits<int>::max();
 
-/// The variance of the Laplacian of a grey picture: the square of its deviation, narrowed before it is squared.
-/// @param grey    the picture, or the part of it outside of which the Laplacian is 0, and on whose outline it is 0 too
-/// @param pixels  of the picture
+/// The variance of the Laplacian of a grey picture: the square of its deviation, rounded to a float before it is
+/// squared.
+/// @param grey    the picture, or a part of it; then the Laplacian must be 0 on the part's outline and outside the part
+/// @param pixels  number of pixels of the whole picture
 float VarianceOfLaplacian(const cv::Mat& grey, std::size_t pixels);
 
 }  // namespace quarry
