@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::size_t kMessageSize = 512;
-thread_local char message[kMessageSize];  // of fixed size: telling of a lack of memory must not need any
+thread_local char message[kMessageSize];  // of fixed size: reporting a lack of memory must not need any
 
 GuardStatus Failed(GuardStatus status, const char* reason) noexcept {
     std::strncpy(message, reason, kMessageSize - 1);

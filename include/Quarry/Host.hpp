@@ -1,26 +1,26 @@
 /// @file
-/// The easy way to be a host in C++17: one small type per operation, views over the host's pixels, results that give
-/// themselves back. Header-only, above Quarry.h; no OpenCV type in it (HostOpenCV.hpp has the adapters).
+/// The easy way to use the library from C++17: one small type per operation, views over the host's pixels, results that
+/// release their buffers. Header-only, above Quarry.h, without OpenCV types (HostOpenCV.hpp has the adapters).
 ///
 ///     quarry::VarianceOfLaplacian sharpness;
 ///     const quarry::ImageView frame(pixels, 640, 480);
 ///     const float variance = sharpness(frame);
 ///
-/// What all types here share:
+/// Rules for all types here:
 ///
-/// 1. **An operation** is created with its `Options`, named fields that have defaults where some make sense, and owns
-///    its handle. It moves and does not copy. One that has been moved from may only be assigned to or destroyed.
-/// 2. **Views and spans own nothing**: what they show must live until the call has returned. A result without a name is
-///    an input of a call (`denoise(subtract(a, b))`), but gives no view to keep. Functions of your own that look at
-///    frames take an `ImageArgument`: views and results convert to it.
-/// 3. **A result owns its buffers**, gives them back at its end, and keeps the handle alive until then: it may outlive
-///    the operation. What it shows (its view, its elements) lives as long as the result. It moves and does not copy;
-///    one that has been moved from may only be assigned to or destroyed. Results of updaters own nothing: they show
-///    buffers of the updater until its next `Update`, and keep the updater alive.
-/// 4. **One thread per operation** at a time, its results' ends included.
-/// 5. **Failures are exceptions**: `std::invalid_argument` for what the interface itself would not notice (a wrong
-///    channel count, padded rows, a short buffer, a wrong number of points), with a message that names what was given
-///    and what is needed; all others as Quarry.h says.
+/// 1. **An operation** owns its handle. It is created with its `Options`, named fields with defaults where a default
+///    makes sense. It can be moved, not copied. After a move the old object may only be assigned to or destroyed.
+/// 2. **Views and spans own nothing**: their pixels or elements must live until the call has returned. A temporary
+///    result can be the input of a call (`denoise(subtract(a, b))`), but gives no view to keep. Let your own functions
+///    that read frames take an `ImageArgument`: views and results convert to it.
+/// 3. **A processor's result owns its buffers** and gives them back when it is destroyed. It keeps the handle alive, so
+///    it may outlive the operation. Its view and its elements are valid as long as the result. It can be moved, not
+///    copied; after a move the old object may only be assigned to or destroyed. **An updater's result owns nothing**:
+///    it shows the updater's buffers, which are valid until the next `Update`, and keeps the updater alive.
+/// 4. **One thread per operation** at a time, also for destroying its results.
+/// 5. **Failures are exceptions**. `std::invalid_argument` reports errors that the C functions cannot notice (a wrong
+///    channel count, padded rows, a short buffer, a wrong number of points); its message names the given value and what
+///    is needed. All other failures are those of Quarry.h.
 #pragma once
 
 #include "Quarry/Host/Contours.hpp"

@@ -1,17 +1,17 @@
 /// @file
 /// The functions with which the library allocates and releases records and their buffers (C++).
 ///
-/// A host rarely needs them: `DisposeResult` and the updaters release what they hand out. They serve hosts that build
-/// input records (masks, contours, motion fields) or keep a result beyond its call.
+/// A host rarely needs them: `DisposeResult` and the updaters release the results. They serve hosts that build input
+/// records (masks, contours, motion fields) or keep a result longer than its handle.
 ///
 /// - A `Create...` function that returns a pointer gives the record and its buffers to the caller, who releases both
-///   with the `Destroy...` function of the same name; one that returns a record by value gives the buffers alone.
-/// - Products such as `width * height` are taken in 32 bits. A count that no allocation can serve (a negative one, say)
-///   and a lack of memory throw `std::bad_alloc`; nothing is kept then.
-/// - Every `Destroy...` function accepts null. One that takes a reference to a pointer sets it to null, except where
-///   its line says otherwise; one that takes a plain pointer releases the buffers of the record and sets the
-///   record's pointers to null, but leaves the record to its owner.
-/// - Buffers are not cleared unless their line says so.
+///   with the `Destroy...` function of the same name. One that returns a record by value gives only the buffers.
+/// - Products such as `width * height` are computed in 32 bits. A negative count or product and a lack of memory throw
+///   `std::bad_alloc`; nothing stays allocated then.
+/// - Every `Destroy...` function accepts null. One that takes a reference to a pointer releases the record and its
+///   buffers and sets the pointer to null, unless its comment says otherwise. One that takes a plain pointer releases
+///   the buffers and sets the record's pointers to null, but leaves the record to its owner.
+/// - Buffers are not cleared unless the function's comment says so.
 #pragma once
 
 #include "Quarry/Export.h"
@@ -60,16 +60,15 @@ QUARRY_API void DestroyFloatImage(FloatImage*& image);
 QUARRY_API AbsVectorMatrix* CreateAbsVectorMatrix(int width, int height);
 QUARRY_API void DestroyAbsVectorMatrix(AbsVectorMatrix*& matrix);
 
-/// The centre is (0, 0); `count` is that of the contour's points. The caller ends the record itself with `delete`.
+/// The centre is (0, 0); the contour has `count` points. The caller releases the record itself with `delete`.
 QUARRY_API Cluster* CreateCluster(int count);
-/// Destroys the cluster's contour alone: clusters live in arrays, so the record stays and `cluster` keeps pointing at
-/// it.
+/// Destroys only the cluster's contour: clusters live in arrays, so the record stays, and `cluster` still points to it.
 QUARRY_API void DestroyCluster(Cluster*& cluster);
 
-/// Fills `*out`. The third float becomes `Height` and the fourth `Width`: the order is part of the interface.
+/// Fills `*out`: `a` becomes `X`, `b` `Y`, `c` `Height` and `d` `Width`. This order is part of the interface.
 /// @throws std::invalid_argument  `out` is null
 QUARRY_API void CreateResponse(float a, float b, float c, float d, double weight, Response* out);
-/// Releases the record itself, which was made with `new`.
+/// Releases the record itself, which must come from `new`.
 QUARRY_API void DestroyResponse(Response* response);
 
 /// @}
@@ -102,17 +101,17 @@ QUARRY_API void DestroyContourResult(ContourResult* result);
 
 /// `Responses` is null when `count` is 0.
 QUARRY_API ClassificationResult CreateClassificationResult(int count);
-/// Copies `rects[i]` into the `Rect` of response i; weights stay unset.
+/// Copies `rects[i]` into the `Rect` of response i; the weights are not set.
 /// @throws std::invalid_argument  `rects` is null while `count` is not 0
 QUARRY_API ClassificationResult CreateClassificationResult(int count, RelRect* rects);
-/// Releases the array only when `Count` is not 0, and sets `result` to null.
+/// Releases the array only if `Count` is not 0, and sets `result` to null.
 QUARRY_API void DestroyClassificationResult(ClassificationResult*& result);
 
 /// `Colors` has three floats per colour.
 QUARRY_API KMeanResult CreateKMeanResult(int count);
 QUARRY_API void DestroyKMeanResult(KMeanResult* result);
 
-/// The clusters are not set: give each its contour before the result is destroyed. `Unwritten` is not set either.
+/// The clusters are not set: set the contour of each before you destroy the result. `Unwritten` is not set either.
 QUARRY_API ClustererResult CreateClustererResult(int count);
 QUARRY_API void DestroyClustererResult(ClustererResult* result);
 
@@ -128,7 +127,7 @@ QUARRY_API void DestroyDepthMapCalcResult(DepthMapCalcResult* result);
 /// `Status` is 0.
 /// @{
 
-/// The mask has `width * height` bytes; both images are made as by CreateImage.
+/// The mask has `width * height` bytes; both images are made like those of CreateImage.
 QUARRY_API BackgroundResult* CreateBackgroundResult(int width, int height, int stride, unsigned long long timestamp);
 QUARRY_API void DestroyBackgroundResult(BackgroundResult*& result);
 

@@ -1,5 +1,5 @@
 /// @file
-/// Operations that find, place and compare contours. Points are relative: fractions of the frame's width and height.
+/// Operations that find, locate and compare contours. Points are relative: fractions of the frame's width and height.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace quarry {
 
-/// The points of a contour that a result holds; valid as long as the result.
+/// The points of a contour in a result; valid as long as the result.
 inline Span<FloatPoint> PointsOf(const Contour& contour) {
     return {contour.Points, static_cast<std::size_t>(contour.Count)};
 }
@@ -23,13 +23,13 @@ enum class Tracing : int32_t {
     TehChinKCosine = 4,  ///< Teh-Chin chain, k-cosine
 };
 
-/// Which of several contours is chosen.
+/// Which of several contours is selected.
 enum class Selection : int32_t {
     LargestArea = 0,
     LongestDiagonal = 1,  ///< of the bounding box
 };
 
-/// The outline of one object. Its elements are its points; none says that nothing was found.
+/// The outline of one object. Its elements are its points; an empty outline means that nothing was found.
 class OutlineResult : public ListResult<ContourResult> {
 public:
     using ListResult::ListResult;
@@ -53,7 +53,7 @@ public:
         : Processor({0, 0, static_cast<int32_t>(options.tracing), static_cast<int32_t>(options.selection)}) {}
 
     /// @param mask  non-zero bytes are foreground
-    /// @param area  around the object, relative to the frame
+    /// @param area  rectangle around the object, relative to the frame
     /// @throws cv::Exception  the mask is empty, or the area does not lie inside it
     OutlineResult operator()(const MaskArgument& mask, const RelRect& area) {
         return {handle(), ContourCalcingInputData{0, mask.record(), area}};
@@ -66,12 +66,14 @@ struct GridSize {
     int height = 1;
 };
 
-/// The grid cells that objects occupy, in a frame that is black everywhere else: 1 occupied, 0 free.
+/// The grid cells that objects occupy in a frame that is black everywhere else: 1 occupied, 0 free.
 class ContourGrid
     : public detail::Processor<CreateCVContourMaskProcessor, ContourMaskProcessorData, ContourMaskProcessorResult> {
 public:
     struct Options {
-        float cellFillRate = 0.5F;     ///< share of a cell's pixels inside kept contours that it takes more than
+        /// 0..1: a cell is occupied if more than this share of its pixels lies inside kept contours. Above 0.5 contours
+        /// are traced pixel by pixel.
+        float cellFillRate = 0.5F;
         float minContourAreaRate = 0;  ///< smallest contour that is kept, as a share of the frame's area
     };
     using Cells = MaskResult<ContourMaskProcessorResult>;
@@ -80,7 +82,7 @@ public:
     explicit ContourGrid(const Options& options) : Processor({0, options.cellFillRate, options.minContourAreaRate}) {}
 
     /// @param frame  R, G, B
-    /// @throws std::invalid_argument  a side of the grid is below 1, or it has more than 2147483647 cells
+    /// @throws std::invalid_argument  a side of the grid is below 1, or the grid has more than 2147483647 cells
     /// @throws cv::Exception          the frame is empty
     Cells operator()(const ImageArgument& frame, const GridSize& grid) {
         detail::CheckOutputSize("quarry::GridSize", grid.width, grid.height);
@@ -92,7 +94,7 @@ public:
 enum class ContourPosition : int32_t {
     Outside = -1,
     Crossing = 0,
-    Inside = 1  ///< also undecided: the first point lies on the border
+    Inside = 1  ///< also if the first point lies on the border, whatever the others are
 };
 
 /// Where a contour lies with respect to a polygon.
@@ -104,8 +106,8 @@ public:
 
     explicit ContourIntersection(const Options& /*options*/ = {}) : Processor(ContourIntersectionProcessorOptions{}) {}
 
-    /// Both in the same coordinates, whichever.
-    /// @throws std::invalid_argument  either has no points
+    /// The polygon and the contour may be in any coordinates, but both in the same.
+    /// @throws std::invalid_argument  the polygon or the contour has no points
     ContourPosition operator()(Span<FloatPoint> polygon, Span<FloatPoint> contour) {
         const int32_t position = Value({0, detail::ContourOf("quarry::ContourIntersection: polygon", polygon),
                                         detail::ContourOf("quarry::ContourIntersection: contour", contour)})
@@ -117,12 +119,12 @@ public:
 /// How the Hu moments of shapes are compared.
 enum class ShapeMeasure : int32_t { I1 = 1, I2 = 2, I3 = 3 };
 
-/// What a ContourRate needs beside the contours.
+/// The other inputs of a ContourRate.
 struct ContourTiming {
     int frameWidth = 0;       ///< pixels
     int frameHeight = 0;      ///< pixels
     double milliseconds = 0;  ///< between the contours; 0 gives infinity or not-a-number
-    double defaultRate = 0;   ///< returned as it is when a side of the frame is 0
+    double defaultRate = 0;   ///< the result if a side of the frame is 0
 };
 
 /// How fast an object's shape changes, per second: the distance of two of its contours by their Hu moments.
@@ -151,10 +153,10 @@ public:
 class ContourClusters : public detail::Processor<CreateCVClustererContours, ClustererData, ClustererResult> {
 public:
     struct Options {
-        float outlinePrecision = 1;    ///< above 0.5 contours are traced pixel by pixel
+        float outlinePrecision = 1;    ///< above 0.5 contours are traced pixel by pixel, else as Teh-Chin chains
         float minContourAreaRate = 0;  ///< smallest blob that is kept, as a share of the frame's area
     };
-    using Clusters = ListResult<ClustererResult>;  ///< of Cluster; PointsOf gives the points of its `Contour`
+    using Clusters = ListResult<ClustererResult>;  ///< elements of type Cluster; PointsOf gives a `Contour`'s points
 
     ContourClusters() : ContourClusters(Options{}) {}
     explicit ContourClusters(const Options& options)

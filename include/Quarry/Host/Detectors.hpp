@@ -16,7 +16,7 @@
 
 namespace quarry {
 
-using Detections = ListResult<ClassificationResult>;  ///< of Response
+using Detections = ListResult<ClassificationResult>;  ///< elements of type Response
 
 namespace detail {
 
@@ -33,7 +33,7 @@ inline double SizeLimit(const char* what, double limit, double most) {
 enum class CascadeMode : uint32_t {
     Careful = 0,  ///< six overlapping hits make a detection
     Eager = 1,    ///< two overlapping hits make a detection
-    Biggest = 2   ///< three; with models of OpenCV 1, the biggest object alone
+    Biggest = 2   ///< three overlapping hits; with models of OpenCV 1, only the biggest object
 };
 
 /// Finds objects of one kind with a cascade of boosted features.
@@ -46,8 +46,8 @@ public:
         CascadeMode mode = CascadeMode::Careful;
     };
 
-    /// @throws std::invalid_argument  there is no file that can be read at `modelPath`, it is empty, or a limit of the
-    ///                                side is not a number
+    /// @throws std::invalid_argument  `modelPath` is empty or names no readable file, or a limit of the side is not a
+    ///                                number
     /// @throws cv::Exception          OpenCV cannot parse the file
     explicit CascadeDetector(const Options& options)
         : Processor({0, 0.0F,
@@ -55,7 +55,7 @@ public:
                      detail::SizeLimit("quarry::CascadeDetector::Options.maxSide", options.maxSide, kMostPixels),
                      static_cast<uint32_t>(options.mode), Readable(options.modelPath).c_str()}) {}
 
-    /// @param area  where to look, relative to the frame
+    /// @param area  the area to search, relative to the frame
     /// @return rectangles as fractions of the **area**, not of the frame; weights are not set
     /// @throws cv::Exception  the area does not lie inside the frame or has no pixels, or the file holds no cascade
     Detections operator()(const ImageArgument& frame, const RelRect& area = kWholeFrame) {
@@ -82,7 +82,7 @@ class PeopleDetector
 public:
     struct Options {
         float sensitivity = 0.5F;  ///< 0..1, higher searches finer and slower
-        double minHeight = 0;      ///< of a person, as a fraction of the frame's height; 128 pixels at least
+        double minHeight = 0;      ///< of a person, as a fraction of the frame's height; at least 128 pixels count
         double maxHeight = 1;      ///< of a person, as a fraction of the frame's height; infinity: no limit
     };
 
@@ -100,8 +100,8 @@ public:
         return {handle(), ClassificationData{0, frame.record(), 1, {}, 0, nullptr}};
     }
 
-    /// Searches some areas of the frame, one by one.
-    /// @param areas  relative to the frame; one no wider than 64 pixels or no higher than `minHeight` is not searched
+    /// Searches areas of the frame, one by one.
+    /// @param areas  relative to the frame; an area no wider than 64 pixels or no higher than `minHeight` is skipped
     /// @return rectangles relative to the frame
     /// @throws cv::Exception  an area that is searched does not lie inside the frame
     Detections operator()(const ImageArgument& frame, Span<RelRect> areas) {

@@ -25,13 +25,13 @@ inline constexpr bool kHasHeader<Record, std::void_t<decltype(Record::Header)>> 
 
 }  // namespace detail
 
-/// The tag that a record's role calls for.
+/// The tag of a record's role: options, input or result.
 template <class Record>
 inline constexpr uint32_t kTagOf = detail::kIsOptions<Record>   ? QUARRY_OPTIONS_TAG
                                    : detail::kHasHeader<Record> ? QUARRY_INPUT_TAG
                                                                 : QUARRY_RESULT_TAG;
 
-/// A record in its envelope: length word, record, tag. A copy has an envelope of its own.
+/// A record in its envelope: length word, record, tag. A copy has its own envelope.
 template <class Content>
 class Framed {
 public:
@@ -41,7 +41,8 @@ public:
     Content& record() { return framed.Record; }
     const Content& record() const { return framed.Record; }
 
-    /// The record's address as the type that a function of the library takes, such as ProcessData.
+    /// The record's address as the type that a function of the library takes, such as ProcessData. It is valid as long
+    /// as this object.
     template <class Any>
     Any* As() {
         return reinterpret_cast<Any*>(&framed.Record);

@@ -1,5 +1,5 @@
 /// @file
-/// Operations that make a picture or a mask of a frame.
+/// Operations that turn frames into a picture or a mask.
 #pragma once
 
 #include <cstddef>
@@ -31,7 +31,7 @@ public:
     }
 };
 
-/// A denoised copy of a frame, by non-local means, with its timestamp.
+/// A denoised copy of a frame, by non-local means, with the frame's timestamp.
 class FastNlMeansDenoising : public detail::Processor<CreateCVFastNlMeansDenoisingFilter, FilterData, FilterResult> {
 public:
     struct Options {};
@@ -48,13 +48,13 @@ struct TurnedRect {
     int centerY = 0;
     int width = 0;       ///< 0 or more
     int height = 0;      ///< 0 or more
-    double degrees = 0;  ///< it counts in single precision
+    double degrees = 0;  ///< rounded to single precision
 };
 
-/// How pixels between pixels are made up.
+/// How pixels are interpolated.
 enum class Interpolation : uint16_t { Nearest = 0, Bilinear = 1 };
 
-/// A turned rectangle cut out of a frame, upright, with the frame's timestamp; black where it leaves the frame.
+/// A turned rectangle, cut out of a frame upright, with the frame's timestamp; black where it leaves the frame.
 class RectExtractor : public detail::Processor<CreateCVRectExtractor, RectExtractorData, RectExtractorResult> {
 public:
     struct Options {
@@ -77,8 +77,8 @@ public:
     }
 };
 
-/// A frame aligned to a layout of five points: the similarity transform that carries the source points onto the
-/// destination points best. Black where the output maps outside the frame.
+/// Aligns a frame to a layout of five points, with the similarity transform that carries the source points onto the
+/// destination points with the least squared error. Output pixels that map outside the frame are black.
 class SimilarityTransform
     : public detail::Processor<CreateCVAffineTransformProcessor, AffineTransformData, TransformResult> {
 public:
@@ -115,8 +115,8 @@ private:
     }
 };
 
-/// A frame turned about its centre, and scaled, on a canvas that holds the whole turned frame; resized to the frame's
-/// size. It has the frame's timestamp and is black beside it.
+/// Turns a frame about its centre, and scales it, on a canvas that holds the whole turned frame; then resizes the
+/// canvas to the frame's size. The result has the frame's timestamp and is black where the frame does not cover it.
 class RotationTransform
     : public detail::Processor<CreateCVRotationTransformProcessor, RotationTransformData, TransformResult> {
 public:
@@ -130,7 +130,7 @@ public:
     explicit RotationTransform(const Options& options) : Processor(RecordOf(options)), size(options) {}
 
     /// @param degrees  positive turns counter-clockwise
-    /// @param scale    of the picture on its canvas; the canvas stays
+    /// @param scale    of the picture on its canvas; the canvas keeps its size
     /// @throws std::invalid_argument  the frame does not have the options' size
     /// @throws cv::Exception          a side is 32767 pixels or more
     Picture operator()(const ImageArgument& frame, double degrees, double scale = 1) {

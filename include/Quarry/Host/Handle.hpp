@@ -1,5 +1,5 @@
 /// @file
-/// Handles and results that end themselves.
+/// Handles and results that release what they own.
 #pragma once
 
 #include <memory>
@@ -11,11 +11,11 @@
 
 namespace quarry {
 
-/// Owns a handle of the library: `Dispose` ends it once its operation and all results of it have ended.
+/// Owns a handle of the library. `Dispose` ends it after the operation and all its results have been destroyed.
 class Handle {
 public:
     Handle() = default;
-    /// @param created  what a factory wrote; null is allowed
+    /// @param created  the handle that a factory wrote; null is allowed
     explicit Handle(void* created) : owner(created, [](void* handle) { Dispose(handle); }) {}
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
@@ -24,7 +24,7 @@ public:
     ~Handle() = default;
 
     void* get() const { return owner.get(); }
-    /// Keeps the handle alive as long as it lives itself.
+    /// A reference that keeps the handle alive.
     std::shared_ptr<void> Share() const { return owner; }
 
 private:
@@ -47,19 +47,19 @@ void GiveBack(void* handle, Framed<Record>& result) {
     DisposeResult(handle, result.template As<ProcessResult>());
 }
 
-/// DisposeResult leaves the grid in place.
+/// DisposeResult would leave the grid in place.
 inline void GiveBack(void* /*handle*/, Framed<ContourMaskProcessorResult>& result) {
     DestroyContourMaskProcessorResult(&result.record());
 }
 
 }  // namespace detail
 
-/// A result record that a processor filled: it gives its buffers back at its end, and keeps the handle alive until
-/// then.
+/// A result record that a processor filled. It gives its buffers back when it is destroyed, and keeps the handle alive
+/// until then.
 template <class Record>
 class Owned {
 public:
-    /// Processes an input.
+    /// Processes an input record.
     template <class Input>
     Owned(const Handle& handle, const Input& input) {
         Framed<Input> framedInput(input);
@@ -86,8 +86,8 @@ private:
     Framed<Record> framed;
 };
 
-/// A result record of an updater: its buffers are the updater's, valid until its next `Update`. It keeps the updater's
-/// handle alive.
+/// A result record of an updater. Its buffers belong to the updater and are valid until its next `Update`. It keeps the
+/// updater's handle alive.
 template <class Record>
 class Current {
 public:

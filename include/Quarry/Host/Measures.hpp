@@ -49,11 +49,11 @@ public:
     }
 };
 
-/// Cosine of the angle between two embeddings, -1..1 but for rounding; not a number when one is all zeros.
+/// Cosine of the angle between two embeddings: -1..1, apart from rounding; not-a-number if all values of one are 0.
 class CosineSimilarity : public detail::Processor<CreateCVCosineSimilarity, EmbeddingData, CosineOutputData> {
 public:
     struct Options {};
-    static constexpr std::size_t kLength = 512;  ///< of an embedding
+    static constexpr std::size_t kLength = 512;  ///< number of values of an embedding
 
     explicit CosineSimilarity(const Options& /*options*/ = {}) : Processor(ProcessOptions{}) {}
 
@@ -82,7 +82,7 @@ enum class HistogramMeasure : int32_t {
     KullbackLeibler = 5
 };
 
-/// How alike the colours of one region are in two frames, in the measure of the options.
+/// How alike the colours of one region are in two frames, by the options' measure of hue and saturation histograms.
 class ColorComparison
     : public detail::Processor<CreateCVColorComparator, ColorComparingInputData, ColorComparingOutputData> {
 public:
@@ -93,7 +93,7 @@ public:
     ColorComparison() : ColorComparison(Options{}) {}
     explicit ColorComparison(const Options& options) : Processor({0, 0, static_cast<int32_t>(options.measure)}) {}
 
-    /// @param area  relative to the first frame; it covers the same pixels in both
+    /// @param area  relative to the first frame; it covers the same pixels in both frames
     /// @throws cv::Exception  the area is empty or does not lie inside both frames
     double operator()(const ImageArgument& first, const ImageArgument& second, const RelRect& area = kWholeFrame) {
         return Value({0, first.record(), second.record(), area}).Similarity;
@@ -106,17 +106,17 @@ struct RelLine {
     FloatPoint end;
 };
 
-/// The motion across a line of a motion field: as many values as are asked for, from the line's start to its end, in
-/// pixels, positive to its right as seen from the start.
+/// The motion across a line of a motion field: the signed distances of its moved pixels from the line, in pixels, from
+/// its start to its end. Distances to the right, as seen from the start, are positive.
 class OpticalFlowLine : public detail::Processor<CreateCVOpticalFlowLineProcessor, OFLineData, OFLineResult> {
 public:
     struct Options {};
-    using Values = ListResult<OFLineResult>;  ///< of float
+    using Values = ListResult<OFLineResult>;  ///< elements of type float
 
     explicit OpticalFlowLine(const Options& /*options*/ = {}) : Processor(OFLineOptions{}) {}
 
-    /// @param field        that of a DenseOpticalFlow, or the host's
-    /// @param valuesCount  0 or more
+    /// @param field        the result of a DenseOpticalFlow, or a field of the host
+    /// @param valuesCount  number of values wanted, 0 or more
     /// @throws std::invalid_argument  `valuesCount` is negative
     Values operator()(const FlowView& field, const RelLine& line, int valuesCount) {
         AbsVectorMatrix matrix = field.record();
@@ -125,27 +125,28 @@ public:
     }
 };
 
-/// A colour, each share 0..1.
+/// A colour, each channel 0..1.
 struct RgbColor {
     float red;
     float green;
     float blue;
 };
 
-/// The colours of a ClothingColors; its elements are their 12 floats.
+/// The four colours that ClothingColors found. Its elements are 12 floats, three per colour.
 class ClothingColorsResult : public ListResult<KMeanResult> {
 public:
     using ListResult::ListResult;
 
     /// @param rank  0 for the first colour, 1 for the second; it is not checked
     RgbColor torso(std::size_t rank) const { return At(rank); }
+    /// @param rank  0 for the first colour, 1 for the second; it is not checked
     RgbColor legs(std::size_t rank) const { return At(2 + rank); }
 
 private:
     RgbColor At(std::size_t index) const { return {data()[3 * index], data()[3 * index + 1], data()[3 * index + 2]}; }
 };
 
-/// The two dominant colours of a person's upper body and of the legs, the larger share of pixels first.
+/// The two dominant colours of a person's upper body and the two of the legs; the colour of more pixels comes first.
 class ClothingColors : public detail::Processor<CreateCVKMeanColorExtractor, KMeanData, KMeanResult> {
 public:
     struct Options {};
@@ -154,7 +155,7 @@ public:
     explicit ClothingColors(const Options& /*options*/ = {}) : Processor(KMeanOptions{}) {}
 
     /// @param frame      B, G, R
-    /// @param keypoints  of the body, in relative coordinates, in the COCO order; what follows the 17th is not read
+    /// @param keypoints  of the body, in relative coordinates, in the COCO order; only the first 17 are read
     /// @throws std::invalid_argument  there are fewer than 17 keypoints
     /// @throws cv::Exception          the torso or the legs cover fewer than two pixels
     ClothingColorsResult operator()(const ImageArgument& frame, Span<FloatPoint> keypoints) {

@@ -1,5 +1,5 @@
 /// @file
-/// What the types of all operations are built on.
+/// The base classes of all operations.
 #pragma once
 
 #include <cstdint>
@@ -16,13 +16,13 @@ namespace quarry::detail {
 template <class Options>
 Options OptionsTaken(void (*factory)(void**, Options*));
 
-/// An operation of the library: owns a handle that `kFactory` makes of its options record.
+/// An operation of the library. It owns the handle that `kFactory` creates from its options record.
 template <auto kFactory>
 class Operation {
 public:
     using OptionsRecord = decltype(OptionsTaken(kFactory));
 
-    /// For calls that the operation's type does not have.
+    /// For calls of the C interface that the operation's type does not offer.
     const Handle& handle() const { return owned; }
 
 protected:
@@ -32,13 +32,13 @@ private:
     Handle owned;
 };
 
-/// A processor: an input record in, a result record out.
+/// A processor: takes an input record, gives a result record.
 template <auto kFactory, class Input, class ResultRecord>
 class Processor : public Operation<kFactory> {
 protected:
     using Operation<kFactory>::Operation;
 
-    /// A result that holds no buffer.
+    /// Processes an input whose result holds no buffer.
     ResultRecord Value(const Input& input) {
         Framed<Input> framed(input);
         Framed<ResultRecord> result;
@@ -47,7 +47,7 @@ protected:
     }
 };
 
-/// An updater: one frame after the other in, a result record out on demand.
+/// An updater: takes one frame after the other, gives a result record on demand.
 template <auto kFactory, class Input>
 class Updater : public Operation<kFactory> {
 protected:
@@ -60,6 +60,7 @@ protected:
 };
 
 /// A pixel position or length as records hold it, in 16 bits.
+/// @throws std::invalid_argument  it does not fit
 inline int16_t Short(const char* what, int value) {
     if (value < std::numeric_limits<int16_t>::min() || value > std::numeric_limits<int16_t>::max()) {
         Refuse(std::string(what) + " is " + std::to_string(value) + "; -32768 to 32767 is allowed");
@@ -67,7 +68,8 @@ inline int16_t Short(const char* what, int value) {
     return static_cast<int16_t>(value);
 }
 
-/// A value from 0 to 1.
+/// Checks that a value lies in 0..1.
+/// @throws std::invalid_argument  it does not, or is not a number
 inline float Fraction(const char* what, float value) {
     if (!(0.0F <= value && value <= 1.0F)) {
         Refuse(std::string(what) + " is " + std::to_string(value) + "; 0 to 1 is allowed");
@@ -76,12 +78,14 @@ inline float Fraction(const char* what, float value) {
 }
 
 /// Checks that an output has pixels.
+/// @throws std::invalid_argument  a side is below 1
 inline void CheckOutputSize(const char* what, int width, int height) {
     if (width >= 1 && height >= 1) return;
     Refuse(std::string(what) + ": the size is " + SizeText(width, height) + "; each side must be 1 or more");
 }
 
-/// A contour as inputs hold it: its measures are not read.
+/// A contour for an input record. Its measures are 0, since they are not read.
+/// @throws std::invalid_argument  there are no points
 inline Contour ContourOf(const char* what, Span<FloatPoint> points) {
     if (points.empty()) Refuse(std::string(what) + ": 0 points are given; at least 1 is needed");
     return {Unconst(points.data()), CountOf(what, points.size()), 0.0F, 0.0F};

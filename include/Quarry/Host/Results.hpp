@@ -1,5 +1,5 @@
 /// @file
-/// The results that own buffers.
+/// The results that own their buffers.
 #pragma once
 
 #include <cstddef>
@@ -45,7 +45,7 @@ inline Span<float> ElementsIn(const KMeanResult& record) {
 
 }  // namespace detail
 
-/// A picture that an operation made; an input wherever an ImageArgument is.
+/// A picture that an operation made, 3 bytes per pixel, rows packed. It converts to an ImageArgument.
 template <class Record>
 class ImageResult : public Owned<Record> {
 public:
@@ -58,19 +58,19 @@ public:
     }
     ImageView view() const&& = delete;
     operator ImageView() const& { return view(); }
-    /// A view of what ends with the statement would be left with nothing. Calls take it all the same.
+    /// Deleted, since the view of a temporary would outlive its pixels. A call takes a temporary as an ImageArgument.
     operator ImageView() const&& = delete;
 
     int width() const { return view().width(); }
     int height() const { return view().height(); }
-    /// Bytes from one row to the next: rows are packed.
+    /// Bytes from one row to the next: 3 times the width, since rows are packed.
     int stride() const { return view().stride(); }
     const uint8_t* data() const { return view().data(); }
     /// Frame time in ticks of 100 ns.
     uint64_t timestamp() const { return view().timestamp(); }
 };
 
-/// A mask that an operation made; an input wherever a MaskArgument is.
+/// A mask that an operation made, one byte per pixel, rows packed. It converts to a MaskArgument.
 template <class Record>
 class MaskResult : public Owned<Record> {
 public:
@@ -83,7 +83,7 @@ public:
     }
     MaskView view() const&& = delete;
     operator MaskView() const& { return view(); }
-    /// A view of what ends with the statement would be left with nothing. Calls take it all the same.
+    /// Deleted, since the view of a temporary would outlive its pixels. A call takes a temporary as a MaskArgument.
     operator MaskView() const&& = delete;
 
     int width() const { return view().width(); }
@@ -94,7 +94,7 @@ public:
     uint8_t At(int x, int y) const { return view().At(x, y); }
 };
 
-/// Elements that an operation found, to iterate over or to pass on as a Span.
+/// The elements of a result, to iterate over or to pass on as a Span; valid as long as the result.
 template <class Record>
 class ListResult : public Owned<Record> {
     using Elements = decltype(detail::ElementsIn(Record{}));

@@ -1,6 +1,6 @@
 /// @file
-/// Operations that keep state from frame to frame of one stream. Their results show the updater's own buffers, which
-/// its next `Update` changes.
+/// Operations that keep state from frame to frame of one stream. Their results show the updater's buffers, which its
+/// next `Update` changes.
 #pragma once
 
 #include <cstdint>
@@ -12,14 +12,14 @@
 
 namespace quarry {
 
-/// What a BackgroundModel made of the last frame.
+/// The result of a BackgroundModel after its last frame; valid until its next `Update`.
 class BackgroundPictures : public Current<BackgroundResult> {
 public:
     using Current::Current;
 
-    /// 255 foreground, 0 background.
+    /// One byte per pixel: 255 foreground, 0 background.
     MaskView foreground() const { return {record().ForegroundMask, image().width, image().height}; }
-    /// With the last frame's timestamp.
+    /// The background picture, with the last frame's timestamp.
     ImageView background() const { return {image().data, image().width, image().height, image().timestamp}; }
 
 private:
@@ -30,10 +30,11 @@ private:
 class BackgroundModel : public detail::Updater<CreateCVBackgroundModel, BackgroundData> {
 public:
     struct Options {
-        float sensitivity = 0.5F;      ///< 0..1: what differs by more than 60 - 20 x it is foreground, in grey levels
-        int historyLength = 500;       ///< frames; counts only where no rate follows from the times
-        float adaptationSeconds = 10;  ///< in which most of the background is replaced, once it is learnt
-        float learningSpeedup = 4;  ///< divides `adaptationSeconds` while the background is being learnt; 0: does not
+        /// 0..1: pixels that differ from the background by more than 60 - 20 x `sensitivity` grey levels are foreground
+        float sensitivity = 0.5F;
+        int historyLength = 500;       ///< frames; used only if no rate follows from the times
+        float adaptationSeconds = 10;  ///< in which a learnt background takes over 88 % of a change
+        float learningSpeedup = 4;     ///< divides `adaptationSeconds` while the background is being learnt; 0 does not
     };
 
     BackgroundModel() : BackgroundModel(Options{}) {}
@@ -42,19 +43,19 @@ public:
         : Updater({0, detail::Fraction("quarry::BackgroundModel::Options.sensitivity", options.sensitivity),
                    options.historyLength, options.adaptationSeconds, options.learningSpeedup}) {}
 
-    /// Takes the next frame in, and reads it no more once it has returned.
-    /// @param frame  its timestamp counts: not 0, and never before that of the frame before it
+    /// Takes the next frame. Its pixels need not live longer than this call.
+    /// @param frame  its timestamp is used: it must not be 0, nor earlier than that of the frame before it
     /// @return Accumulating while the background is being learnt, then Ready
     /// @throws std::invalid_argument  the timestamp is 0 or goes back
     /// @throws cv::Exception          the frame is empty
     UpdaterState Update(const ImageArgument& frame) {
         CheckClock(frame);
-        pictures.reset();  // a frame that fails may have ended the buffers
+        pictures.reset();  // a frame that fails may have released the buffers
         const UpdaterState state = Take({0, frame.record(), 0});
         lastTimestamp = frame.timestamp();
         lastWidth = frame.width();
         lastHeight = frame.height();
-        // The library reads the frame again when it is asked for the result: ask while the frame is there for sure.
+        // The library reads the frame again when it makes the result, so ask for it while the frame still exists.
         pictures.emplace(handle());
         return state;
     }
@@ -86,7 +87,7 @@ private:
     std::optional<BackgroundPictures> pictures;
 };
 
-/// The motion that a DenseOpticalFlow found.
+/// The motion field that a DenseOpticalFlow found; valid until its next `Update`.
 class FlowResult : public Current<OFCResult> {
 public:
     using Current::Current;
@@ -108,9 +109,10 @@ private:
 class DenseOpticalFlow : public detail::Updater<CreateCVDenseOpticalFlowCalculator, OFCData> {
 public:
     struct Options {
-        /// 0..1: larger values give a smaller averaging window (27 to 7 pixels); -1: 18 pixels.
+        /// 0..1: side of the averaging window, from 27 down to 7 pixels; -1: 18 pixels.
         float detail = -1.0F;
-        /// 0..1: pyramid levels and iterations (0 to 10 each); -1: 5 and 3.
+        /// 0..1: pyramid levels and iterations, 0 to 10 each (1 iteration at exactly 0), with a Gaussian window above
+        /// 0.7; -1: 5 levels and 3 iterations.
         float quality = -1.0F;
     };
 
@@ -121,10 +123,10 @@ public:
                    FractionOrDefault("quarry::DenseOpticalFlow::Options.quality", options.quality)}) {}
 
     /// @param frame  R, G, B
-    /// @return Ready once there were two frames
+    /// @return Ready from the second frame on
     UpdaterState Update(const ImageArgument& frame) { return Take({0, frame.record()}); }
 
-    /// Valid until the next Update. Zeros as long as there was one frame only.
+    /// Valid until the next Update. After the first frame all displacements are 0.
     /// @throws std::logic_error  there was no Update
     FlowResult Result() const { return FlowResult(handle()); }
 
@@ -145,12 +147,12 @@ struct Box {
 /// How a MosseTracker adapts.
 enum class TrackerMode : uint32_t {
     Careful = 0,  ///< learning rate 0.2, peak-to-sidelobe threshold 5.7
-    Eager = 1     ///< 0.3 and 3.0
+    Eager = 1     ///< learning rate 0.3, peak-to-sidelobe threshold 3.0
 };
 
 /// Where a target is.
 struct Track {
-    Box target;  ///< the filter's window: as large as was asked for, or a little larger
+    Box target;  ///< the filter's window: as large as the started rectangle, or a little larger
     bool found;  ///< whether the last frame showed the target
 };
 
@@ -164,13 +166,13 @@ public:
     MosseTracker() : MosseTracker(Options{}) {}
     explicit MosseTracker(const Options& options) : Updater({0, {}, static_cast<uint32_t>(options.mode)}) {}
 
-    /// Takes the first frame in: trains the filter on the target, and searches it as Update does.
+    /// Takes the first frame: trains the filter on the target, and searches the frame as Update does.
     /// @param target  2 x 2 pixels or more
     /// @return whether the target was found
     /// @throws std::invalid_argument  a value of the rectangle does not fit 16 bits
-    /// @throws std::logic_error       it was started before: another target takes another tracker
+    /// @throws std::logic_error       it was started before: create another tracker for another target
     /// @throws cv::Exception          the frame is empty, or the rectangle too small; the tracker can be started again
-    /// @throws std::bad_alloc         memory ended (`cv::Exception` may say so, too): create another tracker
+    /// @throws std::bad_alloc         there is no memory (OpenCV may throw `cv::Exception` then); create another one
     bool Start(const ImageArgument& frame, const Box& target) {
         if (started)
             throw std::logic_error("quarry::MosseTracker: it follows a target already; create another tracker");
@@ -182,7 +184,7 @@ public:
         return Result().found;
     }
 
-    /// Takes the next frame in.
+    /// Takes the next frame.
     /// @return whether the target was found
     /// @throws std::logic_error  there was no Start
     bool Update(const ImageArgument& frame) {
@@ -191,6 +193,7 @@ public:
         return Result().found;
     }
 
+    /// Where the target was in the last frame, or where it was found last.
     /// @throws std::logic_error  there was no Start
     Track Result() const {
         const Current<MosseTrackerResult> result(handle());

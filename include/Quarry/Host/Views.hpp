@@ -1,6 +1,6 @@
 /// @file
-/// Views over pixels and arrays of the host or of a result. They own nothing and copy cheaply; what they show must
-/// outlive them.
+/// Views over pixels and arrays of the host or of a result. They own nothing and are cheap to copy. The pixels or
+/// elements must outlive the view.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@
 
 namespace quarry {
 
-/// A run of elements that are only read: from an address and a count, from an array or from a container such as
+/// A read-only range of elements, made from an address and a count, from an array or from a container such as
 /// std::vector.
 template <class T>
 class Span {
@@ -42,7 +42,7 @@ private:
     std::size_t count = 0;
 };
 
-/// The whole of a frame, for operations that look at a part of it.
+/// The whole frame, for operations that read a part of a frame.
 inline constexpr RelRect kWholeFrame = {0.0F, 0.0F, 1.0F, 1.0F};
 
 namespace detail {
@@ -55,13 +55,14 @@ inline std::string SizeText(int width, int height) {
     return std::to_string(width) + " x " + std::to_string(height);
 }
 
-/// The library's records hold plain pointers, also over what it only reads.
+/// The library's records hold pointers to non-const data, also to data that the library only reads.
 template <class T>
 T* Unconst(const T* pointer) {
     return const_cast<T*>(pointer);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 
 /// A count as records hold it.
+/// @throws std::invalid_argument  it does not fit 32 bits
 inline int32_t CountOf(const char* what, std::size_t count) {
     if (count > static_cast<std::size_t>(std::numeric_limits<int32_t>::max())) {
         Refuse(std::string(what) + ": " + std::to_string(count) + " are given; at most 2147483647 are allowed");
@@ -69,9 +70,10 @@ inline int32_t CountOf(const char* what, std::size_t count) {
     return static_cast<int32_t>(count);
 }
 
-/// How many elements a picture has.
-/// @param name      of the view, for the message
+/// The number of elements of a picture.
+/// @param name      the view's name, for the message
 /// @param channels  elements per pixel
+/// @throws std::invalid_argument  a side is negative, or a row has more than 2147483647 elements
 inline std::size_t ElementsOf(const char* name, int width, int height, int channels) {
     if (width < 0 || height < 0) {
         Refuse(std::string(name) + ": the size is " + SizeText(width, height) + "; each side must be 0 or more");
@@ -83,17 +85,17 @@ inline std::size_t ElementsOf(const char* name, int width, int height, int chann
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * static_cast<std::size_t>(channels);
 }
 
-/// Holds for pointers and null. What an array has is known, so that it is checked like a container.
+/// Holds for pointers and null. It does not hold for arrays, whose size is known: they are checked like containers.
 template <class Address, class Element>
 using IfAddress = std::enable_if_t<!std::is_array_v<Address> && std::is_convertible_v<Address, const Element*>>;
 
-/// A view of packed rows of `kChannels` elements per pixel: what the views of this file have in common.
+/// A view of packed rows of `kChannels` elements per pixel: the base of the views in this file.
 template <class Element, int kChannels>
 class PackedView {
 public:
     int width() const { return columns; }
     int height() const { return rows; }
-    /// Elements from one row to the next: rows are packed.
+    /// Elements from one row to the next: the elements of a row, since rows are packed.
     int stride() const { return columns * kChannels; }
     const Element* data() const { return first; }
     /// All elements, row by row.
@@ -118,7 +120,8 @@ protected:
                SizeText(width, height) + " pixels of " + std::to_string(kChannels) + " need " + std::to_string(needed));
     }
 
-    /// The same elements, once it is clear that the rows are packed and of the right kind.
+    /// Checks that rows are packed and have `kChannels` channels.
+    /// @return the elements
     static const Element* FromRows(const char* name, const Element* elements, int width, int64_t stride, int channels) {
         if (channels != kChannels) {
             Refuse(std::string(name) + ": " + std::to_string(channels) + " channels are given; " +
@@ -144,7 +147,8 @@ private:
 
 /// A frame or picture: packed 8-bit pixels of three channels, B, G, R unless an operation says otherwise.
 ///
-/// All ways to make one throw `std::invalid_argument` for a negative size, and for null where there are pixels.
+/// All constructors throw `std::invalid_argument` if a side is negative, or if the pixels are null while the size is
+/// not empty.
 class ImageView : public detail::PackedView<uint8_t, 3> {
 public:
     /// @param pixels     address of `width * height * 3` bytes
@@ -154,11 +158,11 @@ public:
         : PackedView(kName, pixels, width, height), ticks(timestamp) {}
 
     /// Pixels in a container or an array, or `{address, byteCount}`.
-    /// @throws std::invalid_argument  there are too few
+    /// @throws std::invalid_argument  there are fewer than `width * height * 3` bytes
     ImageView(Span<uint8_t> pixels, int width, int height, uint64_t timestamp = 0)
         : PackedView(kName, pixels, width, height), ticks(timestamp) {}
 
-    /// Rows as another interface describes them.
+    /// A view of rows with an explicit stride and number of channels, as other interfaces give them.
     /// @param stride  bytes from one row to the next
     /// @throws std::invalid_argument  rows are padded, or there are not three channels
     static ImageView FromRows(const uint8_t* pixels, int width, int height, int64_t stride, int channels = 3,
@@ -169,7 +173,7 @@ public:
     /// Frame time in ticks of 100 ns.
     uint64_t timestamp() const { return ticks; }
 
-    /// The same as records have it; the library reads it only.
+    /// The view as a record, for an input; the library does not write to its pixels.
     Image record() const { return {detail::Unconst(data()), width(), height(), stride(), ticks}; }
 
 private:
@@ -177,7 +181,7 @@ private:
     uint64_t ticks;
 };
 
-/// A mask: one byte per pixel, rows packed. Made like an ImageView, and refused like one.
+/// A mask: one byte per pixel, rows packed. It is made and checked like an ImageView.
 class MaskView : public detail::PackedView<uint8_t, 1> {
 public:
     /// @param pixels  address of `width * height` bytes
@@ -198,10 +202,10 @@ private:
     static constexpr const char* kName = "quarry::MaskView";
 };
 
-/// A motion field: one displacement in pixels per pixel, rows packed. Refused like an ImageView.
+/// A motion field: one displacement in pixels per pixel, rows packed. It is checked like an ImageView.
 class FlowView : public detail::PackedView<AbsVector, 1> {
 public:
-    /// @param displacements  address of `width * height` of them
+    /// @param displacements  address of `width * height` displacements
     template <class Address, class = detail::IfAddress<Address, AbsVector>>
     FlowView(const Address& displacements, int width, int height) : PackedView(kName, displacements, width, height) {}
     FlowView(Span<AbsVector> displacements, int width, int height) : PackedView(kName, displacements, width, height) {}
@@ -215,14 +219,14 @@ private:
     static constexpr const char* kName = "quarry::FlowView";
 };
 
-/// A view as functions take it: also of a result that ends with the statement, which is after the call. Not for
-/// keeping.
+/// A view as the parameter of a function. It also takes a temporary result, which lives until the call has returned. Do
+/// not keep it.
 template <class View>
 class ViewArgument : public View {
 public:
     using View::View;
 
-    /// @param source  a view, or what converts to one where it has a name
+    /// @param source  a view, or an object (temporary or not) whose type converts to a view
     template <class Source, class = std::enable_if_t<std::is_convertible_v<const Source&, View>>>
     ViewArgument(const Source& source) : View(source) {}
 };
