@@ -1,4 +1,5 @@
-# Sources are listed, never globbed; a source that no list names fails the configuration, so that none is forgotten.
+# Sources are listed in the CMakeLists.txt files, never globbed. A source that no list names fails the configuration, so
+# that none is forgotten.
 function(quarry_check_every_source_is_listed)
   set(listed "")
   set(directories "${PROJECT_SOURCE_DIR}")
@@ -21,7 +22,7 @@ function(quarry_check_every_source_is_listed)
     "${PROJECT_SOURCE_DIR}/Quarry.*/*.c*" "${PROJECT_SOURCE_DIR}/tests/*.c*" "${PROJECT_SOURCE_DIR}/benchmarks/*.c*"
     "${PROJECT_SOURCE_DIR}/fuzz/*.c*" "${PROJECT_SOURCE_DIR}/bindings/*.c*")
   list(FILTER present INCLUDE REGEX "\\.(c|cpp)$")
-  list(FILTER present EXCLUDE REGEX "^${PROJECT_SOURCE_DIR}/tests/install/sample/")  # a project of its own
+  list(FILTER present EXCLUDE REGEX "^${PROJECT_SOURCE_DIR}/tests/install/sample/")  # a separate project
   foreach(directory Quarry.Command tests benchmarks)
     string(TOUPPER ${directory} option)
     string(REPLACE "QUARRY." "" option ${option})

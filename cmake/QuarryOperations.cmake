@@ -1,5 +1,5 @@
-# The table of operations (include/Quarry/Operations.h) as lists, one for each column that a build needs, in the table's
-# order: QUARRY_OPERATION_NAMES, _FACTORIES, _HANDLES, _SOURCES, and _VERBS, of which each is listed once.
+# Reads the table of operations (include/Quarry/Operations.h) into one list for each column that the build needs, in the
+# order of the table: QUARRY_OPERATION_NAMES, _FACTORIES, _HANDLES, _SOURCES, and _VERBS, which lists each verb once.
 set(table "${PROJECT_SOURCE_DIR}/include/Quarry/Operations.h")
 set_property(DIRECTORY "${PROJECT_SOURCE_DIR}" APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${table}")
 file(READ "${table}" rows)

@@ -1,5 +1,5 @@
-# quarry_shared_object(target Name factory...): libName.so with its soname. It exports the factories and what exports.txt
-# of the current folder lists; the linker hides everything else, the instances of standard templates included.
+# quarry_shared_object(target Name factory...): makes libName.so with its soname. It exports the factories and the
+# symbols in exports.txt of the current folder; the linker hides all others, instances of standard templates included.
 function(quarry_shared_object target name)
   set(exports "${CMAKE_CURRENT_SOURCE_DIR}/exports.txt")
   set(map "${CMAKE_CURRENT_BINARY_DIR}/exports.map")

@@ -1,11 +1,12 @@
-# Writes quarry(1) and a page for each verb from the command's own help, so that they say what it says.
+# Writes quarry(1) and a page for each verb from the command's own help, so that both say the same.
 # usage: cmake -D COMMAND=quarry -D HELP2MAN=help2man -D INCLUDE=quarry.h2m -D OUTPUT=FOLDER -P ManPages.cmake
 get_filename_component(folder ${COMMAND} DIRECTORY)
 get_filename_component(name ${COMMAND} NAME)
-file(REMOVE_RECURSE ${OUTPUT})  # a verb that is no more leaves no page
+file(REMOVE_RECURSE ${OUTPUT})  # so that no page of a removed verb stays
 file(MAKE_DIRECTORY ${OUTPUT})
 
-# ask(help track --help): what the command writes. It is called by its bare name, which pages and their synopses show.
+# ask(help track --help): stores the command's output in `help`. The command is called by its bare name, since the pages
+# show the name by which it is called.
 function(ask variable)
   execute_process(COMMAND ./${name} ${ARGN} WORKING_DIRECTORY ${folder} OUTPUT_VARIABLE text RESULT_VARIABLE failed)
   if(failed)
@@ -14,7 +15,7 @@ function(ask variable)
   set(${variable} "${text}" PARENT_SCOPE)
 endfunction()
 
-# write_page(quarry-track see_also OPTION...): one page, made by help2man with these options.
+# write_page(quarry-track see_also OPTION...): writes one page with help2man and these options.
 function(write_page page see_also)
   execute_process(
     COMMAND ${HELP2MAN} --no-info --section=1 --locale=C --manual=Quarry ${ARGN} ./${name}
@@ -37,7 +38,7 @@ foreach(verb IN LISTS verbs)
   string(STRIP "${verb}" verb)
   ask(help ${verb} --help)
   string(REGEX MATCH "^[^\n]+" summary "${help}")
-  string(REPLACE ";" "," summary "${summary}")  # an argument would end there
+  string(REPLACE ";" "," summary "${summary}")  # a semicolon would end the argument
   write_page(quarry-${verb} ".BR quarry (1)" --name=${summary} --help-option=${verb}\ --help
     --version-string=quarry-${verb}\ ${version} --source=${version})
   list(APPEND pages ".BR quarry\\-${verb} (1)")

@@ -1,7 +1,7 @@
-# Completes the verbs of the quarry command, their options and the names of operations. The command itself is asked for
-# them, so that they are those of the version that is installed. Everything else is completed as a file name.
+# Completes the verbs of the quarry command, their options and the names of operations. They come from the command's own
+# help, so they are those of the installed version. Everything else is completed as a file name.
 
-# The names at the beginning of the lines of one section of a help text.
+# Prints the first name in each line of one section of a help text.
 _quarry_section() {
     sed -n "/^$1:/,/^\$/s/^  \(-[[:alnum:]],\)\{0,1\}\([[:alnum:]-]*\).*/\2/p"
 }
@@ -12,7 +12,7 @@ _quarry() {
         [[ ${COMP_WORDS[i]} == -* ]] || { verb=${COMP_WORDS[i]} && break; }
     done
 
-    # `scan` has operations of its own; the options of the one that is there come after those of scan.
+    # `scan` has operations as subcommands; the options of the given one are completed along with those of scan.
     if [[ $verb == scan ]]; then
         operations=$("$quarry" scan --help 2>/dev/null | _quarry_section Subcommands)
         for ((i = 1; i < COMP_CWORD; i++)); do
@@ -36,7 +36,7 @@ _quarry() {
         return
     fi
     mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
-    compopt +o default 2>/dev/null # no file names in place of what is none
+    compopt +o default 2>/dev/null # do not fall back to file names
 }
 
 complete -o default -F _quarry quarry

@@ -1,4 +1,4 @@
-"""What the operations take and give beside arrays and numbers."""
+"""The types of the operations' arguments and results other than arrays and numbers."""
 
 import enum
 from typing import NamedTuple
@@ -30,11 +30,11 @@ __all__ = [
 
 
 class MarshalingError(RuntimeError):
-    """The library and this package do not agree about a record: they are of different versions."""
+    """The library and this package disagree about a record, because their versions differ."""
 
 
 class OpenCVError(RuntimeError):
-    """OpenCV refused: a rectangle outside of the frame, say."""
+    """OpenCV refused the input: a rectangle outside the frame, for example."""
 
     def __init__(
         self, message: str, code: int = 0, function: str = "", expression: str = "", file: str = "", line: int = 0
@@ -42,10 +42,10 @@ class OpenCVError(RuntimeError):
         super().__init__(message)
         self.message = message  #: the whole text
         self.code = code  #: OpenCV's number of the error, such as -215
-        self.function = function  #: of OpenCV, that refused
-        self.expression = expression  #: that did not hold, or what is wrong
-        self.file = file  #: of OpenCV's source
-        self.line = line  #: in that file
+        self.function = function  #: the function of OpenCV that refused the input
+        self.expression = expression  #: the condition that did not hold, or a text that says what is wrong
+        self.file = file  #: the source file of that function
+        self.line = line  #: the line in that file
 
     def __reduce__(self) -> tuple[type["OpenCVError"], tuple[str, int, str, str, str, int]]:
         fields = (self.message, self.code, self.function, self.expression, self.file, self.line)
@@ -72,7 +72,7 @@ class HistogramMeasure(enum.IntEnum):
 
 
 class Interpolation(enum.IntEnum):
-    """How RectExtractor makes up pixels between pixels."""
+    """How RectExtractor interpolates pixels."""
 
     NEAREST = 0
     BILINEAR = 1
@@ -88,7 +88,7 @@ class Tracing(enum.IntEnum):
 
 
 class Selection(enum.IntEnum):
-    """Which of several contours ObjectContour chooses."""
+    """Which of several contours ObjectContour selects."""
 
     LARGEST_AREA = 0
     LONGEST_DIAGONAL = 1  #: of the bounding box
@@ -99,7 +99,7 @@ class ContourPosition(enum.IntEnum):
 
     OUTSIDE = -1
     CROSSING = 0
-    INSIDE = 1  #: also undecided: the first point lies on the border
+    INSIDE = 1  #: also if the first point lies on the border, whatever the others are
 
 
 class ShapeMeasure(enum.IntEnum):
@@ -111,18 +111,18 @@ class ShapeMeasure(enum.IntEnum):
 
 
 class CascadeMode(enum.IntEnum):
-    """How thoroughly a CascadeDetector looks."""
+    """How thoroughly a CascadeDetector searches."""
 
     CAREFUL = 0  #: six overlapping hits make a detection
     EAGER = 1  #: two overlapping hits make a detection
-    BIGGEST = 2  #: three; with models of OpenCV 1, the biggest object alone
+    BIGGEST = 2  #: three overlapping hits; with models of OpenCV 1, only the biggest object
 
 
 class TrackerMode(enum.IntEnum):
     """How a MosseTracker adapts."""
 
     CAREFUL = 0  #: learning rate 0.2, peak-to-sidelobe threshold 5.7
-    EAGER = 1  #: 0.3 and 3.0
+    EAGER = 1  #: learning rate 0.3, peak-to-sidelobe threshold 3.0
 
 
 class RelRect(NamedTuple):
@@ -144,7 +144,7 @@ class Box(NamedTuple):
 
 
 class ClothingColorsResult(NamedTuple):
-    """The colours of a person's clothing: rows of red, green, blue, each 0 to 1, the larger share of pixels first."""
+    """The colours of a person's clothing: rows of red, green, blue, each 0 to 1; that of more pixels comes first."""
 
     torso: npt.NDArray[np.float32]  #: (2, 3)
     legs: npt.NDArray[np.float32]  #: (2, 3)
@@ -153,7 +153,7 @@ class ClothingColorsResult(NamedTuple):
 class Outline(NamedTuple):
     """The outline of one object."""
 
-    points: npt.NDArray[np.float32]  #: (N, 2): x, y in fractions of the frame's size; N is 0 when nothing was found
+    points: npt.NDArray[np.float32]  #: (N, 2): x, y in fractions of the frame's size; N is 0 if nothing was found
     area: float  #: share of the frame's area
     perimeter: float  #: arc length, divided by the frame's width
 
@@ -172,11 +172,11 @@ class Person(NamedTuple):
     """A person that a PeopleDetector found."""
 
     rect: RelRect  #: relative to the frame
-    weight: float  #: how sure the detector is of it
+    weight: float  #: how sure the detector is: 0 or more, larger is surer
 
 
 class BackgroundResult(NamedTuple):
-    """What a BackgroundModel made of the last frame."""
+    """The result of a BackgroundModel after its last frame."""
 
     mask: npt.NDArray[np.uint8]  #: (height, width): 255 foreground, 0 background
     background: npt.NDArray[np.uint8]  #: (height, width, 3)
@@ -185,5 +185,5 @@ class BackgroundResult(NamedTuple):
 class Track(NamedTuple):
     """Where a target is."""
 
-    target: Box  #: the filter's window: as large as was asked for, or a little larger
+    target: Box  #: the filter's window: as large as the started rectangle, or a little larger
     found: bool  #: whether the last frame showed the target

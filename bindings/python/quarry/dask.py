@@ -1,6 +1,6 @@
-"""An archive on a Dask cluster: one task per video, done by `quarry scan` where a worker runs.
+"""Runs `quarry scan` over an archive of videos on a Dask cluster, one task per video.
 
-Workers need Dask and the command, but not this package: what runs there travels with the tasks.
+Workers need Dask and the command, but not this package: its code travels with the tasks.
 """
 
 import os
@@ -14,18 +14,18 @@ from distributed import Client, as_completed
 
 __all__ = ["Outcome", "scan"]
 
-# Exit codes that stay as they are however often the command is run; all others may be better the next time.
+# Exit codes that the command gives at every run. After any other code another run may succeed.
 FINE, WRONG_USAGE, BAD_VIDEO, BUG = 0, 2, 65, 70
 
 cloudpickle.register_pickle_by_value(sys.modules[__name__])
 
 
 class Outcome(NamedTuple):
-    """What became of one video. Its output says what is wrong with a bad one."""
+    """The outcome of one video. The output file of a bad one says what is wrong with it."""
 
     name: str
-    code: int
-    outcome: str  # "fine" or "bad"
+    code: int  #: exit code of `quarry scan`
+    outcome: str  #: "fine" or "bad"
 
 
 def scan(
@@ -40,12 +40,13 @@ def scan(
 ) -> list[Outcome]:
     """Runs an operation on each video and returns an `Outcome` for each, in their order.
 
-    Videos and `out` are paths as the client sees them, relative to its working directory; workers see the same files
-    below the same paths. `options` are those of the verb: `detail=0.3` is `--detail=0.3`, `True` stands for a flag, a
-    tuple for values with commas.
+    Videos and `out` are paths on the client, absolute or relative to its working directory; workers must see the same
+    files under the same paths. `options` are those of the verb: `detail=0.3` becomes `--detail=0.3`, `True` gives a
+    flag, a tuple gives values with commas.
 
-    A command that could not read or write, was killed or lacked memory is run again, up to `retries` times; what fails
-    even then is raised when all other videos are done. Wrong usage and bugs are raised at once. Bad videos are results.
+    A command that could not read or write, was killed or lacked memory is run again, up to `retries` times. If the last
+    run fails too, RuntimeError is raised after all other videos are done. Wrong usage and bugs raise RuntimeError at
+    once. Bad videos are results.
     """
     names = [os.fspath(video) for video in videos]
     for name in names:
@@ -77,7 +78,7 @@ def _arguments(options: dict[str, Any]) -> Iterator[str]:
 
 
 def _scan_one(name: str, line: list[str], folder: str) -> tuple[int, str]:
-    # A worker that is lost takes its command with it: its videos are given to others.
+    # The command ends with its worker: the scheduler gives the video of a lost worker to another one.
     run = subprocess.run(["setpriv", "--pdeathsig", "TERM", "--", *line], cwd=folder, input=name + "\n",
                          stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
     if run.returncode not in (FINE, WRONG_USAGE, BAD_VIDEO, BUG):

@@ -13,7 +13,7 @@
 
 namespace quarry::python {
 
-/// Elements where they are, which `owner` keeps there.
+/// An array over elements that `owner` keeps alive; nothing is copied.
 template <class Element>
 py::array_t<Element> ArrayOver(const Element* first, std::vector<py::ssize_t> shape, const py::capsule& owner) {
     return py::array_t<Element>(std::move(shape), first, owner);
@@ -35,14 +35,14 @@ inline py::array ArrayOf(Span<FloatPoint> points, const py::capsule& owner) {
                      owner);
 }
 
-/// A copy of what an updater shows until its next frame.
+/// A copy of an updater's elements, which its next frame would change.
 template <class View>
 auto CopyOf(const View& view) {
     const auto elements = view.elements();
     return std::vector(elements.begin(), elements.end());
 }
 
-/// An array that owns its elements; an `Element` may be a part of what the copy is made of.
+/// An array that owns its elements. A `Copied` may consist of several `Element`s.
 template <class Element, class Copied>
 py::array ArrayOf(std::vector<Copied> elements, std::vector<py::ssize_t> shape) {
     auto kept = std::make_unique<std::vector<Copied>>(std::move(elements));

@@ -1,4 +1,4 @@
-// Operations that find, place and compare contours.
+// Operations that find, locate and compare contours.
 #include <array>
 
 #include "Families.h"
@@ -15,7 +15,7 @@ void AddObject(py::module_& module) {
              py::kw_only(), py::arg_v("tracing", Tracing::RunEnds, "Tracing.RUN_ENDS"),
              py::arg_v("selection", Selection::LargestArea, "Selection.LARGEST_AREA"),
              R"(tracing: how contours are traced
-selection: which of several contours is chosen)")
+selection: which of several contours is selected)")
         .def(
             "__call__",
             [](Locked<ObjectContour>& self, const py::array& mask, const std::array<float, 4>& area, bool copy) {
@@ -25,10 +25,10 @@ selection: which of several contours is chosen)")
                              outline.result.perimeter());
             },
             py::arg("mask"), py::arg("area"), py::kw_only(), Copy(),
-            R"(The outline, as an Outline; it has no points when nothing was found.
+            R"(The outline, as an Outline; it has no points if nothing was found.
 
-mask: (height, width) of uint8; what is not zero is foreground
-area: around the object: x, y, width, height in fractions of the mask
+mask: (height, width) of uint8; non-zero bytes are foreground
+area: rectangle around the object: x, y, width, height in fractions of the mask
 copy: whether to copy a mask that is not C-contiguous; it is refused otherwise
 raises ValueError: the mask is of another type or shape
 raises OpenCVError: the mask is empty, or the area does not lie inside it)");
@@ -42,7 +42,8 @@ void AddBlobs(py::module_& module) {
              }),
              py::kw_only(), py::arg("cell_fill_rate") = ContourGrid::Options{}.cellFillRate,
              py::arg("min_contour_area_rate") = ContourGrid::Options{}.minContourAreaRate,
-             R"(cell_fill_rate: share of a cell's pixels inside kept contours that it takes more than
+             R"(cell_fill_rate: a cell is occupied if more than this share of its pixels lies inside kept contours;
+    above 0.5 contours are traced pixel by pixel
 min_contour_area_rate: smallest contour that is kept, as a share of the frame's area)")
         .def(
             "__call__",
@@ -58,8 +59,8 @@ min_contour_area_rate: smallest contour that is kept, as a share of the frame's 
 frame: (height, width, 3) of uint8, R, G, B; each side 1 or more
 width, height: columns and rows of the grid; each 1 or more
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
-raises ValueError: the frame is of another type or shape, a side of the grid is below 1, or it has more than 2147483647
-    cells)");
+raises ValueError: the frame is of another type or shape, a side of the grid is below 1, or the grid has more than
+    2147483647 cells)");
 
     Class<ContourClusters>(module, "ContourClusters",
                            "The blobs of a frame that is black everywhere else: outermost contours, centres of mass.")
@@ -69,7 +70,7 @@ raises ValueError: the frame is of another type or shape, a side of the grid is 
              }),
              py::kw_only(), py::arg("outline_precision") = ContourClusters::Options{}.outlinePrecision,
              py::arg("min_contour_area_rate") = ContourClusters::Options{}.minContourAreaRate,
-             R"(outline_precision: above 0.5 contours are traced pixel by pixel
+             R"(outline_precision: above 0.5 contours are traced pixel by pixel, else as Teh-Chin chains
 min_contour_area_rate: smallest blob that is kept, as a share of the frame's area)")
         .def(
             "__call__",
@@ -103,7 +104,7 @@ void AddRelations(py::module_& module) {
             },
             py::arg("polygon"), py::arg("contour"), R"(The position, as a ContourPosition.
 
-polygon, contour: (N, 2) of float32, others are converted: x, y, in the same coordinates, whichever
+polygon, contour: (N, 2) of float32, other types are converted: x, y in any coordinates, but both in the same
 raises ValueError: an array is of another shape, or has no points)");
 
     Class<ContourRate>(module, "ContourRate",
@@ -125,10 +126,10 @@ raises ValueError: an array is of another shape, or has no points)");
             py::arg("current"), py::arg("previous"), py::kw_only(), py::arg("frame_width"), py::arg("frame_height"),
             py::arg("milliseconds"), py::arg("default_rate") = 0.0, R"(The rate, per second.
 
-current, previous: (N, 2) of float32, others are converted: x, y in fractions of the frame's size
+current, previous: (N, 2) of float32, other types are converted: x, y in fractions of the frame's size
 frame_width, frame_height: in pixels
-milliseconds: between the contours; 0 gives infinity or not-a-number
-default_rate: returned as it is when a side of the frame is 0
+milliseconds: time between the contours; 0 gives infinity or not-a-number
+default_rate: the result if a side of the frame is 0
 raises ValueError: an array is of another shape or has no points, or a side of the frame does not fit 16 bits)");
 }
 

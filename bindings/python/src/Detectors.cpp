@@ -23,9 +23,9 @@ void AddCascade(py::module_& module) {
              py::arg("max_side") = defaults.maxSide, py::arg_v("mode", defaults.mode, "CascadeMode.CAREFUL"),
              R"(model_path: an OpenCV cascade file
 min_side, max_side: smallest and largest side of an object in pixels; negative, or infinity for the largest: no limit
-mode: how thoroughly it looks
+mode: how thoroughly it searches
 
-raises ValueError: there is no file that can be read at model_path, it is empty, or a limit is not a number
+raises ValueError: model_path is empty or names no readable file, or a limit is not a number
 raises OpenCVError: OpenCV cannot parse the file)")
         .def(
             "__call__",
@@ -40,7 +40,7 @@ raises OpenCVError: OpenCV cannot parse the file)")
             R"(The objects, a list of RelRect in fractions of the area, not of the frame.
 
 frame: (height, width, 3) of uint8, B, G, R; each side 1 or more
-area: where to look: x, y, width, height in fractions of the frame
+area: the area to search: x, y, width, height in fractions of the frame
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type or shape
 raises OpenCVError: the area does not lie inside the frame or has no pixels, or the file holds no cascade)");
@@ -55,9 +55,9 @@ void AddPeople(py::module_& module) {
              }),
              py::kw_only(), py::arg("sensitivity") = defaults.sensitivity, py::arg("min_height") = defaults.minHeight,
              py::arg("max_height") = defaults.maxHeight,
-             R"(sensitivity: 0 to 1, higher searches finer and slower
-min_height, max_height: of a person, in fractions of the frame's height; min_height counts as 128 pixels at least, so
-    that a max_height below that finds nobody; a max_height of infinity is no limit
+             R"(sensitivity: 0 to 1; a higher value searches finer and slower
+min_height, max_height: limits of a person's height, in fractions of the frame's height; the lower limit is at least
+    128 pixels, so that nobody is found if max_height is below that; a max_height of infinity is no limit
 
 raises ValueError: sensitivity is not in 0 to 1, or a limit is not a number)")
         .def(
@@ -81,8 +81,8 @@ raises ValueError: sensitivity is not in 0 to 1, or a limit is not a number)")
             R"(The people, a list of Person, relative to the frame.
 
 frame: (height, width, 3) of uint8, B, G, R; each side 1 or more
-areas: where to look, one by one: each x, y, width, height in fractions of the frame; None: the whole frame. One no
-    wider than 64 pixels or no higher than min_height is not searched
+areas: the areas to search, one by one: each x, y, width, height in fractions of the frame; None: the whole frame. An
+    area no wider than 64 pixels or no higher than min_height is skipped
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type or shape
 raises OpenCVError: an area that is searched does not lie inside the frame)");

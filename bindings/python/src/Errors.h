@@ -4,8 +4,9 @@
 
 namespace quarry::python {
 
-/// From here on, failures of the library become exceptions of Python: MarshalingError, OpenCVError, MemoryError. Those
-/// of the standard library become what pybind11 makes of them: std::invalid_argument a ValueError, for example.
+/// Registers the translation of the library's failures to exceptions of Python: MarshalingError, OpenCVError and
+/// MemoryError. pybind11 translates the exceptions of the standard library: std::invalid_argument to ValueError, for
+/// example.
 void TranslateErrors();
 
 }  // namespace quarry::python

@@ -1,5 +1,5 @@
 /// @file
-/// What adds the classes of the operations to the module, one function per family.
+/// Functions that add the classes of the operations to the module, one per family.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -28,7 +28,7 @@ py::class_<Locked<Operation>> Class(py::module_& module, const char* name, const
     return py::class_<Locked<Operation>>(module, name, doc)
         .def(
             "__reduce__", [refusal](const py::object& /*self*/) -> py::tuple { throw py::type_error(refusal); },
-            "Refuses: the library's state cannot be taken elsewhere.");
+            "Refuses: the state of an object cannot be copied or moved to another process.");
 }
 
 /// The constructor of an operation without options.
@@ -37,7 +37,7 @@ auto Plain() {
     return py::init([] { return std::make_unique<Locked<Operation>>(); });
 }
 
-/// The argument that all take that read pixels.
+/// The `copy` argument of all functions that read pixels.
 inline py::arg_v Copy() {
     return py::arg("copy") = false;
 }

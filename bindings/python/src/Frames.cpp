@@ -1,4 +1,4 @@
-// Operations that make a picture or a mask of a frame.
+// Operations that turn frames into a picture or a mask.
 #include "Families.h"
 
 namespace quarry::python {
@@ -19,7 +19,7 @@ void AddPlain(py::module_& module) {
             py::arg("first"), py::arg("second"), py::kw_only(), Copy(),
             R"(The difference: (height, width, 3) of uint8.
 
-first, second: (height, width, 3) of uint8, of one size
+first, second: (height, width, 3) of uint8, both of the same size
 copy: whether to copy frames that are not C-contiguous; they are refused otherwise
 raises ValueError: a frame is of another type or shape, or their sizes differ)");
 
@@ -60,7 +60,7 @@ void AddRect(py::module_& module) {
                  return std::make_unique<Locked<RectExtractor>>(RectExtractor::Options{interpolation});
              }),
              py::kw_only(), py::arg_v("interpolation", Interpolation::Bilinear, "Interpolation.BILINEAR"),
-             "interpolation: how pixels between pixels are made up")
+             "interpolation: how pixels are interpolated")
         .def(
             "__call__",
             [](Locked<RectExtractor>& self, const py::array& frame, int centerX, int centerY, int width, int height,
@@ -72,12 +72,12 @@ void AddRect(py::module_& module) {
             },
             py::arg("frame"), py::kw_only(), py::arg("center_x"), py::arg("center_y"), py::arg("width"),
             py::arg("height"), py::arg("degrees") = 0.0, Copy(),
-            R"(The part of the frame, black where it leaves it: (height, width, 3) of uint8, of the rectangle's size.
+            R"(The rectangle's pixels, black where it leaves the frame: (height, width, 3) of uint8.
 
 frame: (height, width, 3) of uint8; each side 1 or more
 center_x, center_y: of the rectangle, in pixels
 width, height: of the rectangle before it is turned about its centre, in pixels; 0 or more
-degrees: it counts in single precision
+degrees: angle of the rectangle; rounded to single precision
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type or shape, a value of the rectangle does not fit 16 bits, or a side of
     it is negative
@@ -86,8 +86,8 @@ raises OpenCVError: a side of the frame has 32767 pixels or more)");
 
 void AddTransforms(py::module_& module) {
     Class<SimilarityTransform>(module, "SimilarityTransform",
-                               "A frame aligned to a layout of five points: the similarity transform that carries the "
-                               "source points onto the destination points best.")
+                               "Aligns a frame to a layout of five points, with the similarity transform that carries "
+                               "the source points onto the destination points with the least squared error.")
         .def(py::init([](int width, int height) {
                  return std::make_unique<Locked<SimilarityTransform>>(SimilarityTransform::Options{width, height});
              }),
@@ -109,15 +109,15 @@ raises ValueError: a side is below 1)")
             R"(The aligned frame, black where it maps outside the given one: (height, width, 3) of uint8.
 
 frame: (height, width, 3) of uint8; each side 1 or more
-source: (5, 2) of float32, others are converted: x, y in pixels of the frame
-destination: (5, 2) of float32, others are converted: x, y in pixels of the output
+source: (5, 2) of float32, other types are converted: x, y in pixels of the frame
+destination: (5, 2) of float32, other types are converted: x, y in pixels of the output
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: an array is of another type or shape, or there are not five points of each
 raises OpenCVError: the frame is too large to warp)");
 
     Class<RotationTransform>(module, "RotationTransform",
-                             "A frame turned about its centre, and scaled, on a canvas that holds the whole turned "
-                             "frame; resized to the frame's size, and black beside it.")
+                             "Turns a frame about its centre, and scales it, on a canvas that holds the whole turned "
+                             "frame; then resizes the canvas to the frame's size. Uncovered pixels are black.")
         .def(py::init([](int width, int height) {
                  return std::make_unique<Locked<RotationTransform>>(RotationTransform::Options{width, height});
              }),
@@ -136,7 +136,7 @@ raises ValueError: a side is below 1)")
 
 frame: (height, width, 3) of uint8, of the options' size
 degrees: positive turns counter-clockwise
-scale: of the picture on its canvas; the canvas stays
+scale: of the picture on its canvas; the canvas keeps its size
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type, shape or size)");
 }

@@ -1,38 +1,40 @@
 /// @file
-/// One thread at a time per operation, its results' ends included; Python threads that wait let others run.
+/// Locks that let one thread at a time use an operation or destroy its results.
 #pragma once
 
 #include <mutex>
 
 namespace quarry::python {
 
-/// The lock of an operation and its results. All but `Wait` and `Give` are called under the interpreter's lock: nobody
-/// forks in between.
+/// The lock of an operation and its results. Call all functions but `Wait` and `Give` under the interpreter's lock, so
+/// that no other thread forks meanwhile.
 class Lock {
 public:
-    /// Takes it, if nobody holds it.
+    /// Takes the lock if no thread holds it.
+    /// @return whether it was taken
     bool Try() {
         if (!mutex.try_lock()) return false;
         takenIn = Generation();
         return true;
     }
-    /// Whether it is held by a thread that a fork has left behind in the parent process. It will never be given.
+    /// Whether the lock is held by a thread of the parent process, which does not exist in this forked one. Such a lock
+    /// is never given.
     bool IsOrphaned() {
         if (takenIn == Generation()) return false;
         if (!mutex.try_lock()) return true;
         mutex.unlock();
         return false;
     }
-    /// Takes it once its holder gives it. The interpreter's lock is not held meanwhile.
+    /// Waits until the lock is free and takes it. Call it without the interpreter's lock.
     void Wait() { mutex.lock(); }
     void Give() { mutex.unlock(); }
 
 private:
-    /// How many forks lie between this process and the one that loaded the module.
+    /// Number of forks between the process that loaded the module and this one.
     static int Generation();
 
     std::mutex mutex;
-    int takenIn = Generation();  ///< when it was last found free
+    int takenIn = Generation();  ///< generation of the process in which the lock was last found free
 };
 
 }  // namespace quarry::python

@@ -16,7 +16,7 @@ namespace quarry::python {
 
 namespace py = pybind11;
 
-/// Gives up the interpreter's lock for a while.
+/// Releases the interpreter's lock and takes it again at the end.
 class Released {
 public:
     Released() : thread(PyEval_SaveThread()) {}
@@ -28,8 +28,8 @@ public:
         try {
             PyEval_RestoreThread(thread);
         } catch (...) {
-            // The interpreter has ended meanwhile and tells this thread to end, too, which destructors do not allow.
-            // The process is about to exit.
+            // The interpreter has ended meanwhile and wants to end this thread by an exception, which must not leave a
+            // destructor. Wait instead: the process is about to exit.
             while (true) pause();
         }
     }
@@ -38,7 +38,7 @@ private:
     PyThreadState* thread;
 };
 
-/// A result that ends under the lock of its operation.
+/// A result that is destroyed under the lock of its operation.
 template <class Result>
 class Kept {
 public:
@@ -48,12 +48,12 @@ public:
     Kept& operator=(const Kept&) = delete;
     Kept(Kept&&) = delete;
     Kept& operator=(Kept&&) = delete;
-    /// Under the interpreter's lock, which it gives up when it has to wait.
+    /// Call it under the interpreter's lock, which it releases while it waits.
     ~Kept() {
         if (lock->Try()) {
             End();
         } else if (lock->IsOrphaned()) {
-            // The operation is in whatever state the fork found it in: what it knows is left as it is.
+            // The fork may have interrupted the operation in any state, so the result is leaked.
             static_cast<void>(result.release());
         } else {
             const Released released;
@@ -74,7 +74,7 @@ private:
     std::unique_ptr<Result> result;
 };
 
-/// Lets a Python object own something, as the base of arrays over it.
+/// A Python object that owns `content`, for use as the base of arrays over it.
 template <class Content>
 py::capsule CapsuleOf(std::unique_ptr<Content> content) {
     py::capsule capsule(content.get(),
@@ -101,11 +101,11 @@ public:
     Locked(Locked&&) = delete;
     Locked& operator=(Locked&&) = delete;
     ~Locked() {
-        // In whatever state the fork found it in, it is left alone.
+        // The fork may have interrupted the operation in any state, so it is leaked.
         if (lock->IsOrphaned()) static_cast<void>(operation.release());
     }
 
-    /// Does something with the operation, under its lock and without the interpreter's.
+    /// Runs a task with the operation, under the operation's lock and without the interpreter's lock.
     /// @throws std::runtime_error  another thread was using it when this process was forked
     template <class Task>
     auto Run(Task task) {
@@ -120,7 +120,7 @@ public:
         return task(*operation);
     }
 
-    /// The same where the result owns buffers of the library.
+    /// The same for a task whose result owns buffers of the library.
     template <class Task>
     auto Give(Task task) {
         auto result = Run(std::move(task));
@@ -143,7 +143,7 @@ private:
 
 namespace pybind11::detail {
 
-/// An object whose `__init__` has not run is refused; pybind11 would hand out memory in which nothing has been built.
+/// Refuses an object whose `__init__` has not run; pybind11 would pass on uninitialised memory.
 template <class Operation>
 struct type_caster<quarry::python::Locked<Operation>> : type_caster_base<quarry::python::Locked<Operation>> {
     using Base = type_caster_base<quarry::python::Locked<Operation>>;

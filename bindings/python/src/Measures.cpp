@@ -40,10 +40,11 @@ raises ValueError: the frame is of another type or shape)");
             py::arg("half_height"), Copy(), R"(The sharpness of a face, in squared grey levels.
 
 frame: (height, width, 3) of uint8, B, G, R; each side 1 or more
-center_x, center_y, half_width, half_height: the ellipse around the face, in pixels; the halves 0 or more
+center_x, center_y, half_width, half_height: centre and half-axes of the ellipse around the face, in pixels; the
+    half-axes are 0 or more
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type or shape, or a value of the ellipse does not fit 16 bits
-raises OpenCVError: a half is negative)");
+raises OpenCVError: a half-axis is negative)");
 }
 
 void AddSimilarity(py::module_& module) {
@@ -57,9 +58,9 @@ void AddSimilarity(py::module_& module) {
                 return self.Run([&](auto& similarity) { return similarity(one, other); });
             },
             py::arg("first"), py::arg("second"),
-            R"(The cosine, -1 to 1 but for rounding; not a number when one embedding is all zeros.
+            R"(The cosine, -1 to 1 apart from rounding; not-a-number if all values of an embedding are 0.
 
-first, second: (512,) of float32; others are converted
+first, second: (512,) of float32; other types are converted
 raises ValueError: an embedding does not have 512 values)");
 
     Class<ColorComparison>(module, "ColorComparison", "How alike the colours of one region are in two frames.")
@@ -77,10 +78,10 @@ raises ValueError: an embedding does not have 512 values)");
                 return self.Run([&](auto& compare) { return compare(one, other, RectOf(area)); });
             },
             py::arg("first"), py::arg("second"), py::kw_only(), py::arg("area") = std::array{0.0F, 0.0F, 1.0F, 1.0F},
-            Copy(), R"(The likeness, in the measure of the options.
+            Copy(), R"(The similarity, by the measure of the options.
 
 first, second: (height, width, 3) of uint8, B, G, R; each side 1 or more
-area: x, y, width, height in fractions of the first frame; it covers the same pixels in both
+area: x, y, width, height in fractions of the first frame; it covers the same pixels in both frames
 copy: whether to copy frames that are not C-contiguous; they are refused otherwise
 raises ValueError: a frame is of another type or shape
 raises OpenCVError: the area is empty or does not lie inside both frames)");
@@ -101,9 +102,9 @@ void AddLine(py::module_& module) {
             py::arg("field"), py::kw_only(), py::arg("start"), py::arg("end"), py::arg("values_count"), Copy(),
             R"(The motion in pixels, positive to the line's right as seen from its start: (values_count,) of float32.
 
-field: (height, width, 2) of float32: to the right and down, in pixels, as DenseOpticalFlow.result gives it
-start, end: of the line: x, y in fractions of the field's width and height
-values_count: how many values, from start to end; 0 or more
+field: (height, width, 2) of float32: displacements to the right and down, in pixels, as from DenseOpticalFlow.result
+start, end: x, y of the line's ends, in fractions of the field's width and height
+values_count: number of values, from start to end; 0 or more
 copy: whether to copy a field that is not C-contiguous; it is refused otherwise
 raises ValueError: the field is of another type or shape, or values_count is negative)");
 }
@@ -127,8 +128,8 @@ void AddClothing(py::module_& module) {
             R"(The colours, as a ClothingColorsResult: rows of red, green, blue, each 0 to 1.
 
 frame: (height, width, 3) of uint8, B, G, R; each side 1 or more
-keypoints: (17, 2) or more rows of float32, others are converted: x, y in fractions of the frame's size, in the COCO
-    order; what follows the 17th is not read
+keypoints: (17, 2) of float32, other types are converted: x, y in fractions of the frame's size, in the COCO order;
+    further rows are not read
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: an array is of another type or shape, or there are fewer than 17 keypoints
 raises OpenCVError: the torso or the legs cover fewer than two pixels)");

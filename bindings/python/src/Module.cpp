@@ -20,16 +20,17 @@ void Fill(py::module_& module) {
     AddUpdaters(module);
     module.def(
         "set_opencv_threads", &cv::setNumThreads, py::arg("count"),
-        R"(Lets OpenCV spread single calls over so many threads, in the whole process; cv2.setNumThreads does the same.
+        R"(Sets how many threads OpenCV uses for a single call, in the whole process; cv2.setNumThreads does the same.
 
-count: 1: over none but the caller's; below 0: as many as OpenCV finds right, as before the first call)");
+count: 1: only the caller's thread; below 0: OpenCV's default, as before the first call)");
 }
 
 }  // namespace
 
 }  // namespace quarry::python
 
-// What PYBIND11_MODULE writes, but that pybind11 waits for ever where it is first loaded by a sub-interpreter.
+// Does the same as PYBIND11_MODULE, which cannot refuse a sub-interpreter: pybind11 would wait without end if one loads
+// the module first.
 PYBIND11_PLUGIN_IMPL(_quarry) {
     if (PyInterpreterState_Get() != PyInterpreterState_Main()) {
         PyErr_SetString(PyExc_ImportError, "quarry: cannot be used in a sub-interpreter");

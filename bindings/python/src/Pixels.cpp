@@ -37,7 +37,7 @@ void CheckSides(const char* name, const py::array& array) {
 
 py::array Packed(const char* name, const py::array& array, bool copy) {
     if ((array.flags() & kWhole) == kWhole) return array;
-    // A subclass may copy in its own way.
+    // numpy.array makes a plain array, while the `copy` method of a subclass may do anything.
     if (copy) return py::module_::import("numpy").attr("array")(array, py::arg("order") = "C");
     RefuseArray(name, "an array with strides " + TextOf(array.attr("strides")) + " is given",
                 "one that is C-contiguous and aligned is needed, or copy=True");

@@ -1,5 +1,5 @@
 /// @file
-/// Pixels and points of Python as the library reads them.
+/// Arrays of Python as inputs of the library.
 #pragma once
 
 #include <pybind11/numpy.h>
@@ -13,11 +13,11 @@ namespace quarry::python {
 
 namespace py = pybind11;
 
-/// An array whose elements the library reads where they are, kept for the time of a call.
+/// An array whose elements the library reads in place. It keeps the array alive during a call.
 class Pixels {
 public:
     /// @param name      of the argument, for messages
-    /// @param channels  elements per pixel; 1 stands for an array of height and width alone
+    /// @param channels  elements per pixel; 1 means an array of shape (height, width)
     /// @param copy      whether to copy elements that are not packed
     /// @throws std::invalid_argument  the array is of another type or shape, or not packed
     Pixels(const char* name, const py::array& given, const py::dtype& element, int channels, bool copy);
@@ -65,10 +65,10 @@ private:
 
 inline constexpr int kAligned = py::detail::npy_api::NPY_ARRAY_ALIGNED_;
 
-/// Floats, converted from whatever numpy can make them of, kept for the time of a call.
+/// Floats, converted by numpy from any type that it can convert. It keeps them alive during a call.
 class Floats {
 public:
-    /// @throws std::invalid_argument  numpy can make no floats of it
+    /// @throws std::invalid_argument  numpy cannot convert the object to floats
     Floats(const char* name, const py::object& given);
 
 protected:

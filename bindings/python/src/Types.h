@@ -28,7 +28,7 @@ inline py::object RectTuple(const RelRect& rect) {
     return Tuple("RelRect", rect.X, rect.Y, rect.Width, rect.Height);
 }
 
-/// What an enumeration is called in Python; null for all other types.
+/// The name of an enumeration in Python; null for all other types.
 template <class Type>
 inline constexpr auto kNameOf = nullptr;
 template <>

@@ -1,4 +1,5 @@
-// Operations that keep state from frame to frame of one stream. What they show is copied: their next frame changes it.
+// Operations that keep state from frame to frame of one stream. Their results are copies, since the next frame changes
+// the updater's buffers.
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -22,10 +23,11 @@ void AddBackground(py::module_& module) {
              py::arg("history_length") = defaults.historyLength,
              py::arg("adaptation_seconds") = defaults.adaptationSeconds,
              py::arg("learning_speedup") = defaults.learningSpeedup,
-             R"(sensitivity: 0 to 1: what differs by more than 60 - 20 x it is foreground, in grey levels
-history_length: frames; counts only where no rate follows from the times
-adaptation_seconds: in which most of the background is replaced, once it is learnt
-learning_speedup: divides adaptation_seconds while the background is being learnt; 0: does not
+             R"(sensitivity: 0 to 1: pixels that differ from the background by more than 60 - 20 x sensitivity grey
+    levels are foreground
+history_length: frames; used only if no rate follows from the times
+adaptation_seconds: time in which a learnt background takes over 88 % of a change
+learning_speedup: divides adaptation_seconds while the background is being learnt; 0 does not
 
 raises ValueError: sensitivity is not in 0 to 1)")
         .def(
@@ -35,10 +37,10 @@ raises ValueError: sensitivity is not in 0 to 1)")
                 return self.Run([&](auto& model) { return model.Update(pixels); });
             },
             py::arg("frame"), py::arg("timestamp"), py::kw_only(), Copy(),
-            R"(Takes the next frame in. State.ACCUMULATING while the background is being learnt, then State.READY.
+            R"(Takes the next frame. Returns State.ACCUMULATING while the background is being learnt, then State.READY.
 
 frame: (height, width, 3) of uint8; each side 1 or more
-timestamp: of the frame, in ticks of 100 ns; 1 or more, and never before that of the frame before it
+timestamp: of the frame, in ticks of 100 ns; 1 or more, and never earlier than that of the frame before it
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type or shape, or the timestamp is 0 or goes back)")
         .def(
@@ -59,7 +61,7 @@ raises ValueError: the frame is of another type or shape, or the timestamp is 0 
                              ArrayOf<uint8_t>(std::move(pictures.mask), {pictures.height, pictures.width}),
                              ArrayOf<uint8_t>(std::move(pictures.background), {pictures.height, pictures.width, 3}));
             },
-            R"(What it made of the last frame, as a BackgroundResult. A copy: later frames do not change it.
+            R"(The result after the last frame, as a BackgroundResult. It is a copy: later frames do not change it.
 
 raises RuntimeError: there was no update, or the last one failed)");
 }
@@ -73,8 +75,9 @@ void AddFlow(py::module_& module) {
                  return std::make_unique<Locked<DenseOpticalFlow>>(DenseOpticalFlow::Options{detail, quality});
              }),
              py::kw_only(), py::arg("detail") = defaults.detail, py::arg("quality") = defaults.quality,
-             R"(detail: 0 to 1: larger values give a smaller averaging window (27 to 7 pixels); -1: 18 pixels
-quality: 0 to 1: pyramid levels and iterations (0 to 10 each); -1: 5 and 3
+             R"(detail: 0 to 1: side of the averaging window, from 27 down to 7 pixels; -1: 18 pixels
+quality: 0 to 1: pyramid levels and iterations, 0 to 10 each (1 iteration at exactly 0), with a Gaussian window above
+    0.7; -1: 5 levels and 3 iterations
 
 raises ValueError: an option is neither in 0 to 1 nor -1)")
         .def(
@@ -84,7 +87,7 @@ raises ValueError: an option is neither in 0 to 1 nor -1)")
                 return self.Run([&](auto& flow) { return flow.Update(pixels); });
             },
             py::arg("frame"), py::kw_only(), Copy(),
-            R"(Takes the next frame in. State.READY once there were two frames.
+            R"(Takes the next frame. Returns State.READY from the second frame on.
 
 frame: (height, width, 3) of uint8, R, G, B; each side 1 or more
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
@@ -105,7 +108,7 @@ raises ValueError: the frame is of another type or shape)")
             },
             R"(The motion to the right and down, in pixels: (height, width, 2) of float32.
 
-Zeros as long as there was one frame only. A copy: later frames do not change it.
+After the first frame all displacements are 0. It is a copy: later frames do not change it.
 raises RuntimeError: there was no update)");
 }
 
@@ -123,22 +126,22 @@ void AddTracker(py::module_& module) {
                 return self.Run([&](auto& tracker) { return tracker.Start(pixels, box); });
             },
             py::arg("frame"), py::arg("target"), py::kw_only(), Copy(),
-            R"(Takes the first frame in: trains the filter on the target. Whether the target was found.
+            R"(Takes the first frame: trains the filter on the target. Returns whether the target was found.
 
 frame: (height, width, 3) of uint8, B, G, R; each side 1 or more
 target: x, y, width, height in pixels; 2 x 2 or more
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
 raises ValueError: the frame is of another type or shape, or a value of the target does not fit 16 bits
-raises RuntimeError: it was started before: another target takes another tracker
+raises RuntimeError: it was started before; create another tracker for another target
 raises OpenCVError: the target is too small; the tracker can be started again
-raises MemoryError: create another tracker)")
+raises MemoryError: there is no memory; create another tracker)")
         .def(
             "update",
             [](Locked<MosseTracker>& self, const py::array& frame, bool copy) {
                 const Frame pixels("frame", frame, copy);
                 return self.Run([&](auto& tracker) { return tracker.Update(pixels); });
             },
-            py::arg("frame"), py::kw_only(), Copy(), R"(Takes the next frame in. Whether the target was found.
+            py::arg("frame"), py::kw_only(), Copy(), R"(Takes the next frame. Returns whether the target was found.
 
 frame: (height, width, 3) of uint8, B, G, R; each side 1 or more
 copy: whether to copy a frame that is not C-contiguous; it is refused otherwise
