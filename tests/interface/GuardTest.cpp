@@ -18,7 +18,7 @@ TEST(Guard, TellsOfALackOfMemoryInOpenCV) {
     options->Height = 12;
     void* handle = nullptr;
     ASSERT_EQ(GuardCreateCVRotationTransformProcessor(&handle, options.record()), GuardOk);
-    std::array<uint8_t, 16 * 12 * 3> pixels{};
+    std::array<uint8_t, 576> pixels{};
     auto input = FramedInput<RotationTransformData>();
     input->Frame = {pixels.data(), 16, 12, 48, 0};
     auto result = FramedResult<TransformResult>();

@@ -85,7 +85,7 @@ inline std::size_t ElementsOf(const char* name, int width, int height, int chann
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * static_cast<std::size_t>(channels);
 }
 
-/// Holds for pointers and null. It does not hold for arrays, whose size is known: they are checked like containers.
+/// For pointers and null, but not for arrays: their length is known, so that they are checked like containers.
 template <class Address, class Element>
 using IfAddress = std::enable_if_t<!std::is_array_v<Address> && std::is_convertible_v<Address, const Element*>>;
 
@@ -219,8 +219,8 @@ private:
     static constexpr const char* kName = "quarry::FlowView";
 };
 
-/// A view as the parameter of a function. It also takes a temporary result, which lives until the call has returned. Do
-/// not keep it.
+/// A view as a parameter of functions: a result without a name converts to it too, since that ends after the call. Do
+/// not keep one.
 template <class View>
 class ViewArgument : public View {
 public:
