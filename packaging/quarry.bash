@@ -1,13 +1,13 @@
 # Completes the verbs of the quarry command, their options and the names of operations. They come from the command's own
 # help, so they are those of the installed version. Everything else is completed as a file name.
-
+# shellcheck shell=bash
 # Prints the first name in each line of one section of a help text.
 _quarry_section() {
     sed -n "/^$1:/,/^\$/s/^  \(-[[:alnum:]],\)\{0,1\}\([[:alnum:]-]*\).*/\2/p"
 }
 
 _quarry() {
-    local quarry=${COMP_WORDS[0]/#\~\//$HOME/} word=${COMP_WORDS[COMP_CWORD]} verb= candidates= operations= i
+    local quarry=${COMP_WORDS[0]/#\~\//$HOME/} word=${COMP_WORDS[COMP_CWORD]} verb='' candidates='' operations='' i
     for ((i = 1; i < COMP_CWORD; i++)); do
         [[ ${COMP_WORDS[i]} == -* ]] || { verb=${COMP_WORDS[i]} && break; }
     done
@@ -22,6 +22,7 @@ _quarry() {
 
     COMPREPLY=()
     if [[ $word == -* ]]; then
+        # shellcheck disable=SC2086 # the verb may be none, or scan and its operation
         candidates=$({
             "$quarry" ${verb% *} --help
             [[ $verb != *" "* ]] || "$quarry" $verb --help

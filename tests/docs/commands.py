@@ -22,7 +22,8 @@ def usage_error(quarry, line):
 
 
 def main(quarry, dev, block):
-    verbs = set(re.findall(r"^  ([\w-]+) ", subprocess.run([dev], stdout=subprocess.PIPE, text=True).stdout, re.MULTILINE))
+    usage = subprocess.run([dev], stdout=subprocess.PIPE, text=True).stdout
+    verbs = set(re.findall(r"^  ([\w-]+) ", usage, re.MULTILINE))
     wrong = []
     for line in pathlib.Path(block).read_text().splitlines():
         if line.startswith("quarry "):

@@ -1,7 +1,9 @@
+#!/bin/sh
 # Builds the sample hosts with what pkg-config says of the installed tree, and runs them.
 # usage: sh pkgconfig.sh PREFIX LIBDIR CC CXX PKG_CONFIG
+# shellcheck disable=SC2046 # the flags are words
 set -eu
-prefix=$1 libdir=$1/$2 cc=$3 cxx=$4 pkg_config=$5
+libdir=$1/$2 cc=$3 cxx=$4 pkg_config=$5
 sample=$(dirname "$0")/sample
 export PKG_CONFIG_PATH="$libdir/pkgconfig" LD_LIBRARY_PATH="$libdir"
 

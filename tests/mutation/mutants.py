@@ -49,7 +49,7 @@ def output_of(*command):
 
 def dependencies():
     """Of each object, the files of the tree and of the build that it is made from."""
-    found = {}
+    found, files = {}, set()
     for line in output_of("ninja", "-t", "deps").splitlines():
         if line.startswith(" "):
             path = os.path.normpath(BUILD / line.strip())
@@ -245,8 +245,11 @@ def sample(count, names):
     return [mutant for _, _, mutant in sorted(ranked)[:count]]
 
 
+def short(text):
+    return re.sub(r"\s+", " ", text) or "nothing"
+
+
 def described(mutant):
-    short = lambda text: re.sub(r"\s+", " ", text) or "nothing"
     return f"{mutant.file}:{mutant.line}: {short(mutant.before)}  ->  {short(mutant.after)}"
 
 

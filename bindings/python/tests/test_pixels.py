@@ -161,7 +161,7 @@ def test_pictures_lie_in_the_library_until_their_last_reference_dies():
     difference = subtract(frame, frame)
     assert not difference.flags.owndata
     part = difference[10:20]
-    del difference, subtract
+    difference = subtract = None
     gc.collect()
     assert resident() - before > 0.9 * frame.nbytes
     assert not part.any()

@@ -106,7 +106,8 @@ def test_everything_is_explained(name):
     if not isinstance(value, type):
         return
     assert value.__module__ == "quarry"
-    for method, parameters in ((key.split(".")[1], value) for key, value in declared().items() if key.startswith(name + ".")):
+    methods = {key.split(".")[1]: value for key, value in declared().items() if key.startswith(name + ".")}
+    for method, parameters in methods.items():
         explained = getattr(value, method).__doc__.split("\n", 1)[1]
         for parameter, _, _ in parameters[1:]:
             assert re.search(rf"\b{parameter}\b.*:", explained), f"{method}: {parameter}"
