@@ -1,5 +1,6 @@
-# quarry_shared_object(target Name factory...): makes libName.so with its soname. It exports the factories and the
-# symbols in exports.txt of the current folder; the linker hides all others, instances of standard templates included.
+# quarry_shared_object(target Name factory...): makes libName.so, with the major version of the project in its soname. It
+# exports the factories and the symbols in exports.txt of the current folder; the linker hides all others, instances of
+# standard templates included.
 function(quarry_shared_object target name)
   set(exports "${CMAKE_CURRENT_SOURCE_DIR}/exports.txt")
   set(map "${CMAKE_CURRENT_BINARY_DIR}/exports.map")
@@ -11,7 +12,7 @@ function(quarry_shared_object target name)
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME ${name}
     VERSION ${PROJECT_VERSION}
-    SOVERSION 1
+    SOVERSION ${PROJECT_VERSION_MAJOR}
     LINK_DEPENDS "${map}"
     LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
   target_include_directories(${target} INTERFACE

@@ -1,6 +1,7 @@
 # Completes the verbs of the quarry command, their options and the names of operations. They come from the command's own
 # help, so they are those of the installed version. Everything else is completed as a file name.
 # shellcheck shell=bash
+
 # Prints the first name in each line of one section of a help text.
 _quarry_section() {
     sed -n "/^$1:/,/^\$/s/^  \(-[[:alnum:]],\)\{0,1\}\([[:alnum:]-]*\).*/\2/p"

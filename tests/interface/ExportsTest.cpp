@@ -131,8 +131,10 @@ std::string SonameOf(const std::string& object) {
 }
 
 TEST(SharedObjects, NameTheirInterfaceVersion) {
-    EXPECT_NE(SonameOf(QUARRY_LIBRARY).find("[libQuarry.OpenCV.so.1]"), std::string::npos) << SonameOf(QUARRY_LIBRARY);
-    EXPECT_NE(SonameOf(QUARRY_GUARD).find("[libQuarry.Guard.so.1]"), std::string::npos) << SonameOf(QUARRY_GUARD);
+    EXPECT_NE(SonameOf(QUARRY_LIBRARY).find("[libQuarry.OpenCV.so." QUARRY_MAJOR_VERSION "]"), std::string::npos)
+        << SonameOf(QUARRY_LIBRARY);
+    EXPECT_NE(SonameOf(QUARRY_GUARD).find("[libQuarry.Guard.so." QUARRY_MAJOR_VERSION "]"), std::string::npos)
+        << SonameOf(QUARRY_GUARD);
 }
 
 }  // namespace
