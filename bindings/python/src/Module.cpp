@@ -25,24 +25,36 @@ void Fill(py::module_& module) {
 count: 1: only the caller's thread; below 0: OpenCV's default, as before the first call)");
 }
 
-}  // namespace
-
-}  // namespace quarry::python
-
-// Does the same as PYBIND11_MODULE, which cannot refuse a sub-interpreter: pybind11 would wait without end if one loads
-// the module first.
-PYBIND11_PLUGIN_IMPL(_quarry) {
+/// The one module of the process, made when it is first imported.
+PyObject* Import(PyObject* /*spec*/, PyModuleDef* /*definition*/) {
+    static PyObject* made = nullptr;
     if (PyInterpreterState_Get() != PyInterpreterState_Main()) {
         PyErr_SetString(PyExc_ImportError, "quarry: cannot be used in a sub-interpreter");
         return nullptr;
     }
-    PYBIND11_CHECK_PYTHON_VERSION
-    PYBIND11_ENSURE_INTERNALS_READY
-    static PyModuleDef definition;
-    auto module = pybind11::module_::create_extension_module("_quarry", nullptr, &definition);
     try {
-        quarry::python::Fill(module);
-        return module.ptr();
+        if (made == nullptr) {
+            PYBIND11_ENSURE_INTERNALS_READY
+            auto module = py::reinterpret_steal<py::module_>(PyModule_New("quarry._quarry"));
+            Fill(module);
+            made = module.release().ptr();
+        }
+        Py_INCREF(made);
+        return made;
     }
     PYBIND11_CATCH_INIT_EXCEPTIONS
+}
+
+}  // namespace
+
+}  // namespace quarry::python
+
+// PYBIND11_MODULE would initialise in one phase, which Python 3.13 carries out for sub-interpreters in the main one,
+// where nobody can refuse them. In two phases `Import` is called by the interpreter that imports.
+PYBIND11_PLUGIN_IMPL(_quarry) {
+    PYBIND11_CHECK_PYTHON_VERSION
+    static PyModuleDef_Slot slots[] = {{Py_mod_create, reinterpret_cast<void*>(&quarry::python::Import)}, {0, nullptr}};
+    static PyModuleDef definition = {
+        PyModuleDef_HEAD_INIT, "_quarry", nullptr, 0, nullptr, slots, nullptr, nullptr, nullptr};
+    return PyModuleDef_Init(&definition);
 }

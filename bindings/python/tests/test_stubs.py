@@ -73,7 +73,8 @@ def signature(function):
     """The same of what pybind11 writes into the first line of a docstring."""
     line = re.fullmatch(r"\w+\((.*)\) -> .*", function.__doc__.splitlines()[0]).group(1)
     parameters, only = [], False
-    for part in re.findall(r"(\*|\w+: (?:[^,\[(]|\[[^]]*\]|\([^)]*\))+)", line):
+    bracketed = r"\[(?:[^][]|\[[^]]*\])*\]"
+    for part in re.findall(rf"(\*|\w+: (?:[^,\[(]|{bracketed}|\([^)]*\))+)", line):
         if part == "*":
             only = True
         else:
@@ -87,7 +88,7 @@ def present():
     for name, value in vars(_quarry).items():
         if isinstance(value, type):
             for method, function in vars(value).items():
-                if not method.startswith("__") or method in ("__init__", "__call__", "__reduce__"):
+                if not method.startswith("_") or method in ("__init__", "__call__", "__reduce__"):
                     methods[f"{name}.{method}"] = signature(getattr(value, method))
         elif not name.startswith("__"):
             methods[name] = signature(value)
