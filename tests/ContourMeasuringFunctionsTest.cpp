@@ -65,8 +65,7 @@ std::vector<Points> Borders(const cv::Mat& mask, const cv::Rect& rect, int metho
     const cv::Mat copy = mask.clone();
     cv::Mat region(copy, rect);
     std::vector<Points> borders;
-    std::vector<cv::Vec4i> hierarchy;
-    cv::findContours(region, borders, hierarchy, cv::RETR_LIST, method, cv::Point(0, 0));
+    cv::findContours(region, borders, cv::RETR_LIST, method);
     return borders;
 }
 
