@@ -29,7 +29,7 @@ def files_of(page):
 def main(sources, folder):
     sources, folder = pathlib.Path(sources), pathlib.Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
-    pages = [sources / "README.md", sources / "CONTRIBUTING.md", *sources.glob("docs/**/*.md")]
+    pages = [*sources.glob("*.md"), *sources.glob("docs/**/*.md")]
     files = dict(file for page in pages for file in files_of(page))
     for left in {file.name for file in folder.iterdir()} - files.keys():
         (folder / left).unlink()
