@@ -53,7 +53,9 @@ def scan(
         if not name or name.startswith("#") or "\n" in name:
             raise ValueError(f"a line of a manifest cannot name this video: {name!r}")
     line = [command, "scan", operation, *_arguments(options), "--manifest", "-", "--out", os.fspath(out)]
-    tasks = client.map(_scan_one, names, line=line, folder=os.getcwd(), key=f"quarry-{operation}", pure=False,
+    folder = os.getcwd()
+    # A function without a name that others could import it by: Dask hands it over by value.
+    tasks = client.map(lambda name: _scan_one(name, line, folder), names, key=f"quarry-{operation}", pure=False,
                        retries=retries)
     try:
         for task, result in as_completed(tasks, with_results=True, raise_errors=False):
