@@ -3,6 +3,7 @@
 
 #include "Comparison.h"
 #include "Quarry/Quarry.h"
+#include "plain/ClustererContours.h"
 #include "support/Footage.h"
 #include "support/Scenes.h"
 
@@ -10,78 +11,21 @@ namespace {
 
 using namespace quarry::bench;
 
-using Points = std::vector<cv::Point>;
-
 constexpr float kPrecision = 0.5F;
 constexpr float kMinAreaRate = 0.001F;
 
-struct Blob {
-    std::vector<FloatPoint> points;
-    float area, perimeter, centerX, centerY;
-};
-
-std::string BytesOf(const FloatPoint* points, std::size_t count, const std::vector<float>& measures) {
+std::string BytesOf(const std::vector<quarry::plain::Blob>& blobs) {
     std::string bytes;
-    for (std::size_t i = 0; i < count; ++i) bytes += quarry::bench::BytesOf(points[i]);
-    for (const float measure : measures) bytes += quarry::bench::BytesOf(measure);
-    return bytes;
-}
-
-std::string BytesOf(const std::vector<Blob>& blobs) {
-    std::string bytes;
-    for (const Blob& blob : blobs) {
-        bytes +=
-            BytesOf(blob.points.data(), blob.points.size(), {blob.area, blob.perimeter, blob.centerX, blob.centerY});
+    for (const auto& [outline, centerX, centerY] : blobs) {
+        std::vector<float> numbers = outline.places;
+        numbers.insert(numbers.end(), {outline.area, outline.perimeter, centerX, centerY});
+        bytes += quarry::bench::BytesOf(cv::Mat(numbers));
     }
     return bytes;
 }
 
-std::string BytesOf(const ClustererResult& result) {
-    std::string bytes;
-    for (int i = 0; i < result.Count; ++i) {
-        const Cluster& cluster = result.Clusters[i];
-        const Contour& contour = *cluster.Contour;
-        bytes += BytesOf(contour.Points, static_cast<std::size_t>(contour.Count),
-                         {contour.Area, contour.Perimeter, cluster.CenterX, cluster.CenterY});
-    }
-    return bytes;
-}
-
-std::vector<Points> ValidContours(const std::vector<Points>& contours, float imageArea) {
-    const int threshold = static_cast<int>(imageArea * kMinAreaRate);
-    std::vector<Points> valid;
-    for (const Points& contour : contours) {
-        if (cv::contourArea(contour, false) >= threshold) valid.push_back(contour);
-    }
-    return valid;
-}
-
-Blob BlobOf(const Points& contour, const cv::Size& frame) {
-    const auto width = static_cast<float>(frame.width);
-    const auto height = static_cast<float>(frame.height);
-    const cv::Moments moments = cv::moments(contour, false);
-    Blob blob{};
-    blob.centerX = static_cast<float>(static_cast<int>(moments.m10 / moments.m00)) / width;
-    blob.centerY = static_cast<float>(static_cast<int>(moments.m01 / moments.m00)) / height;
-    blob.area = static_cast<float>(cv::contourArea(contour, false) / static_cast<double>(frame.area()));
-    blob.perimeter = static_cast<float>(cv::arcLength(contour, true) / static_cast<double>(frame.width));
-    blob.points.reserve(contour.size());
-    for (const cv::Point& point : contour) {
-        blob.points.push_back({static_cast<float>(point.x) / width, static_cast<float>(point.y) / height});
-    }
-    return blob;
-}
-
-std::vector<Blob> Plain(const cv::Mat& frame) {
-    cv::Mat grey;
-    cv::cvtColor(frame, grey, cv::COLOR_RGB2GRAY);
-    std::vector<Points> contours;
-    cv::findContours(grey, contours, cv::RETR_EXTERNAL, cv::CHAIN_APPROX_TC89_KCOS);
-    std::vector<Blob> blobs;
-    for (const Points& contour : ValidContours(contours, static_cast<float>(grey.rows * grey.cols))) {
-        blobs.push_back(BlobOf(contour, grey.size()));
-    }
-    return blobs;
+std::vector<quarry::plain::Blob> Plain(const cv::Mat& frame) {
+    return quarry::plain::Clusters(frame, kPrecision, kMinAreaRate);
 }
 
 void CompareOn(const cv::Mat& frame, const std::string& input, double floor) {
@@ -89,7 +33,7 @@ void CompareOn(const cv::Mat& frame, const std::string& input, double floor) {
     Compare("ClustererContours", {"", input, floor}, plain,
             Called<ClustererOptions, ClustererData, ClustererResult>(
                 CreateCVClustererContours, {0, kPrecision, kMinAreaRate}, {0, quarry::test::ImageOf(frame)},
-                [](const ClustererResult& result) { return BytesOf(result); }));
+                [](const ClustererResult& result) { return BytesOf(quarry::plain::ClustersOf(result)); }));
 }
 
 }  // namespace

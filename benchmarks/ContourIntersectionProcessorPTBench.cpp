@@ -4,6 +4,7 @@
 
 #include "Comparison.h"
 #include "Quarry/Quarry.h"
+#include "plain/ContourIntersectionProcessorPT.h"
 
 namespace {
 
@@ -23,24 +24,11 @@ Points Outline(int count, double scale) {
     return points;
 }
 
-std::vector<cv::Point2f> Listed(const Points& points) {
-    std::vector<cv::Point2f> list;
-    list.reserve(points.size());
-    for (const FloatPoint& point : points) list.emplace_back(point.X, point.Y);
-    return list;
-}
-
-int Plain(const Points& polygonPoints, const Points& testPoints) {
-    const std::vector<cv::Point2f> polygon = Listed(polygonPoints);
-    const std::vector<cv::Point2f> test = Listed(testPoints);
-    const auto side = [&](const cv::Point2f& point) {
-        return static_cast<int>(cv::pointPolygonTest(polygon, point, false));
+int Plain(const Points& polygon, const Points& test) {
+    const auto listed = [](const Points& points) {
+        return quarry::plain::Listed(points.data(), static_cast<int>(points.size()));
     };
-    const int first = side(test.front());
-    for (std::size_t i = 1; i < test.size(); ++i) {
-        if (first * side(test[i]) < 0) return 0;
-    }
-    return first == 0 ? 1 : first;
+    return quarry::plain::PositionOf(listed(polygon), listed(test));
 }
 
 void CompareOn(const std::string& name, int count, double scale, double floor) {

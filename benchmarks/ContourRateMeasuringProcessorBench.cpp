@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "Comparison.h"
-#include "Quarry.OpenCV/Truncate.h"
 #include "Quarry/Quarry.h"
+#include "plain/ContourRateMeasuringProcessor.h"
 
 namespace {
 
@@ -26,29 +26,20 @@ Points Outline(const cv::Size& frame, int slant) {
     return points;
 }
 
-std::vector<cv::Point> Pixels(const Points& points, const cv::Size& frame) {
-    std::vector<cv::Point> pixels(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        pixels[i] = {quarry::Truncate(points[i].X * static_cast<float>(frame.width)),
-                     quarry::Truncate(points[i].Y * static_cast<float>(frame.height))};
-    }
-    return pixels;
-}
-
-double Plain(const Points& current, const Points& previous, const cv::Size& frame, double interval) {
-    const double distance =
-        cv::matchShapes(Pixels(current, frame), Pixels(previous, frame), cv::CONTOURS_MATCH_I1, 0.0);
-    return distance / (interval / 1000.0);
-}
-
 void CompareOn(const cv::Size& frame, const std::string& input) {
     constexpr double kInterval = 40;
     const auto current = std::make_shared<Points>(Outline(frame, 10));
     const auto previous = std::make_shared<Points>(Outline(frame, 25));
     const Contour currentRecord{current->data(), static_cast<int32_t>(current->size()), 0, 0};
     const Contour previousRecord{previous->data(), static_cast<int32_t>(previous->size()), 0, 0};
-    const Way plain{[=] { benchmark::DoNotOptimize(Plain(*current, *previous, frame, kInterval)); },
-                    [=] { return BytesOf(Plain(*current, *previous, frame, kInterval)); }};
+    const Way plain{
+        [=] {
+            benchmark::DoNotOptimize(
+                quarry::plain::ShapeRate(*current, *previous, frame, cv::CONTOURS_MATCH_I1, kInterval));
+        },
+        [=] {
+            return BytesOf(quarry::plain::ShapeRate(*current, *previous, frame, cv::CONTOURS_MATCH_I1, kInterval));
+        }};
     const auto width = static_cast<int16_t>(frame.width);
     const auto height = static_cast<int16_t>(frame.height);
     Compare("ContourRateMeasuringProcessor", {"", input, 0.98}, plain,

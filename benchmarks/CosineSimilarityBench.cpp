@@ -5,6 +5,7 @@
 
 #include "Comparison.h"
 #include "Quarry/Quarry.h"
+#include "plain/CosineSimilarity.h"
 
 namespace {
 
@@ -20,34 +21,13 @@ Embedding RandomEmbedding(uint64_t seed) {
     return values;
 }
 
-double Square(float value) {
-    return static_cast<double>(value) * static_cast<double>(value);
-}
-
-double Norm(const Embedding& v) {
-    double sum = 0;
-    for (std::size_t k = 0; k < kLength; k += 4) {
-        sum += Square(v[k]) + Square(v[k + 1]) + Square(v[k + 2]) + Square(v[k + 3]);
-    }
-    return std::sqrt(sum);
-}
-
-double Plain(const float* first, const float* second) {
-    Embedding a;
-    Embedding b;
-    std::copy_n(first, kLength, a.begin());
-    std::copy_n(second, kLength, b.begin());
-    float dot = 0;
-    for (std::size_t i = 0; i < kLength; ++i) dot += a[i] * b[i];
-    return static_cast<double>(dot) / (Norm(a) * Norm(b));
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     static const Embedding first = RandomEmbedding(1);
     static const Embedding second = RandomEmbedding(2);
-    Compare("CosineSimilarity", {"", "512 values", 1.3}, Computed([] { return Plain(first.data(), second.data()); }),
+    Compare("CosineSimilarity", {"", "512 values", 1.3},
+            Computed([] { return quarry::plain::Cosine(first.data(), second.data()); }),
             Called<ProcessOptions, EmbeddingData, CosineOutputData>(
                 CreateCVCosineSimilarity, {}, {0, {}, first.data(), {}, second.data()},
                 [](const CosineOutputData& result) { return BytesOf(result.Similarity); }));

@@ -4,6 +4,7 @@
 
 #include "Comparison.h"
 #include "Quarry/Quarry.h"
+#include "plain/DenseOpticalFlowCalculator.h"
 #include "support/Scenes.h"
 
 namespace {
@@ -11,22 +12,16 @@ namespace {
 using namespace quarry::bench;
 using Call = UpdaterCall<OFCOptions, OFCData, OFCResult>;
 
-/// What the options of detail 0.5 and quality 0.3 come to.
 constexpr OFCOptions kOptions{0, 0.5F, 0, 0.3F};
-constexpr int kWindow = 17;
-constexpr int kLevels = 3;
-constexpr int kIterations = 3;
 
 class PlainCalculator {
 public:
     const cv::Mat& Update(const cv::Mat& frame) {
-        cv::Mat grey;
-        cv::cvtColor(frame, grey, cv::COLOR_RGB2GRAY);
+        const cv::Mat grey = quarry::plain::GreyOfRgb(frame);
         if (previous.empty()) {
             flow = cv::Mat::zeros(frame.size(), CV_32FC2);
         } else {
-            cv::calcOpticalFlowFarneback(previous, grey, flow, static_cast<double>(0.4F), kLevels, kWindow, kIterations,
-                                         3, 1.1, 0);
+            quarry::plain::FindFlow(previous, grey, flow, quarry::plain::kMiddle);
         }
         grey.copyTo(previous);
         return flow;

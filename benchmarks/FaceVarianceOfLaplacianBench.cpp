@@ -3,29 +3,12 @@
 
 #include "Comparison.h"
 #include "Quarry/Quarry.h"
+#include "plain/FaceVarianceOfLaplacian.h"
 #include "support/Scenes.h"
 
 namespace {
 
 using namespace quarry::bench;
-
-float Plain(const FaceVoLInputData& data) {
-    const cv::Mat frame(data.Image.height, data.Image.width, CV_8UC3, data.Image.data);
-    cv::Mat grey;
-    cv::cvtColor(frame, grey, cv::COLOR_BGR2GRAY);
-    cv::Mat mask = cv::Mat::zeros(grey.size(), CV_8UC1);
-    cv::ellipse(mask, {data.FaceX, data.FaceY}, {data.FaceWidth, data.FaceHeight}, 0.0, 0.0, 360.0, cv::Scalar(255),
-                cv::FILLED);
-    cv::Mat face;
-    cv::bitwise_and(grey, mask, face);
-    cv::Mat laplacian;
-    cv::Scalar mean;
-    cv::Scalar deviation;
-    cv::Laplacian(face, laplacian, CV_64F);
-    cv::meanStdDev(laplacian, mean, deviation);
-    const auto narrowed = static_cast<float>(deviation[0]);
-    return narrowed * narrowed;
-}
 
 /// A face in the middle, three quarters as wide as high.
 FaceVoLInputData FaceOf(const cv::Mat& frame, double halfHeight) {
@@ -41,10 +24,13 @@ FaceVoLInputData FaceOf(const cv::Mat& frame, double halfHeight) {
 void CompareOn(const cv::Mat& frame, const std::string& input, double smallFloor, double largeFloor) {
     const auto compare = [&](const char* name, double share, double floor) {
         const FaceVoLInputData data = FaceOf(frame, share * frame.rows);
-        Compare("FaceVarianceOfLaplacian", {name, input, floor}, Computed([frame, data] { return Plain(data); }),
-                Called<ProcessOptions, FaceVoLInputData, VoLOutputData>(
-                    CreateCVFaceLaplacianVarianceProcessor, {}, data,
-                    [](const VoLOutputData& result) { return BytesOf(result.Variance); }));
+        Compare(
+            "FaceVarianceOfLaplacian", {name, input, floor}, Computed([frame, data] {
+                return quarry::plain::FaceSharpness(frame, {data.FaceX, data.FaceY}, {data.FaceWidth, data.FaceHeight});
+            }),
+            Called<ProcessOptions, FaceVoLInputData, VoLOutputData>(
+                CreateCVFaceLaplacianVarianceProcessor, {}, data,
+                [](const VoLOutputData& result) { return BytesOf(result.Variance); }));
     };
     compare("half-height 10 %", 0.1, smallFloor);
     compare("half-height 40 %", 0.4, largeFloor);

@@ -4,6 +4,7 @@
 
 #include "Comparison.h"
 #include "Quarry/Quarry.h"
+#include "plain/HogSvmHumanClassifier.h"
 #include "support/Footage.h"
 #include "support/Scenes.h"
 
@@ -18,26 +19,14 @@ constexpr int kSmallest = 128;        // pixels
 /// A detection's rectangle, relative to the frame, and its weight.
 using Person = cv::Vec<double, 5>;
 
-bool IsContained(const std::vector<cv::Rect>& rectangles, std::size_t inner) {
-    for (std::size_t outer = 0; outer < rectangles.size(); ++outer) {
-        if (outer != inner && (rectangles[outer] & rectangles[inner]) == rectangles[inner]) return true;
-    }
-    return false;
-}
-
 cv::Mat Plain(const cv::HOGDescriptor& hog, const cv::Mat& frame) {
-    std::vector<cv::Rect> rectangles;
-    std::vector<double> weights;
-    hog.detectMultiScale(frame, rectangles, weights, 0.0, {8, 8}, {}, 1.12, 2.0, false);
+    constexpr quarry::plain::PeopleSearch kSearch = {8, 1.12, kSmallest, std::numeric_limits<int>::max()};
     std::vector<Person> people;
     const double width = frame.cols;
     const double height = frame.rows;
-    for (std::size_t i = 0; i < rectangles.size(); ++i) {
-        const cv::Rect& rect = rectangles[i];
-        if (IsContained(rectangles, i) || rect.height < kSmallest || weights[i] < 0) continue;
+    for (const auto& [rect, weight] : quarry::plain::People(hog, frame, kSearch)) {
         people.push_back({static_cast<float>(rect.x / width), static_cast<float>(rect.y / height),
-                          static_cast<float>(rect.width / width), static_cast<float>(rect.height / height),
-                          weights[i]});
+                          static_cast<float>(rect.width / width), static_cast<float>(rect.height / height), weight});
     }
     return cv::Mat(people, true);
 }
@@ -58,8 +47,7 @@ void CompareOn(const cv::Mat& frame, const std::string& name, const std::string&
     ClassificationData data{};
     data.Frame = ImageOf(frame);
     data.WholeFrame = 1;
-    const auto hog = std::make_shared<cv::HOGDescriptor>();
-    hog->setSVMDetector(cv::HOGDescriptor::getDefaultPeopleDetector());
+    const auto hog = std::make_shared<cv::HOGDescriptor>(quarry::plain::PeopleDescriptor());
     Compare("HogSvmHumanClassifier", {name, input, 0.98}, Computed([hog, frame] { return Plain(*hog, frame); }),
             Called<ClassificationOptions, ClassificationData, ClassificationResult>(
                 CreateCVHogSvmHumanClassifier, options, data,

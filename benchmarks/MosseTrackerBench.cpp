@@ -3,15 +3,15 @@
 
 #include "Comparison.h"
 #include "Quarry/Quarry.h"
+#include "plain/MosseTracker.h"
 #include "support/Footage.h"
-#include "support/PlainMosseTracker.h"
 #include "support/Scenes.h"
 
 namespace {
 
 using namespace quarry::bench;
 using quarry::test::ImageOf;
-using quarry::test::PlainMosseTracker;
+using PlainMosseTracker = quarry::plain::MosseTracker;
 using Call = UpdaterCall<MosseTrackerOptions, MosseTrackerData, MosseTrackerResult>;
 
 constexpr uint32_t kMode = 1;

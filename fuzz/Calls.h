@@ -7,6 +7,7 @@
 #include <iostream>
 #include <new>
 #include <opencv2/core.hpp>
+#include <optional>
 #include <stdexcept>
 #include <tuple>
 #include <typeinfo>
@@ -44,6 +45,16 @@ bool Succeeds(Call call) {
         if (typeid(error) != typeid(std::invalid_argument) && typeid(error) != typeid(std::logic_error)) throw;
     }
     return false;
+}
+
+/// What plain steps give; nothing where OpenCV refuses one.
+template <class Steps>
+auto Plainly(Steps steps) -> std::optional<decltype(steps())> {
+    try {
+        return steps();
+    } catch (const cv::Exception&) {
+        return std::nullopt;
+    }
 }
 
 /// A handle; null where the options are refused.

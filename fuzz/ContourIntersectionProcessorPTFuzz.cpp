@@ -7,28 +7,11 @@
 
 #include "fuzz/Bytes.h"
 #include "fuzz/Calls.h"
-#include "fuzz/Plain.h"
+#include "plain/ContourIntersectionProcessorPT.h"
 
 using namespace quarry::fuzz;
 
 namespace {
-
-std::vector<cv::Point2f> PointsOf(const Contour& contour) {
-    std::vector<cv::Point2f> points(static_cast<std::size_t>(std::max(contour.Count, 0)));
-    std::transform(contour.Points, contour.Points + points.size(), points.begin(),
-                   [](const FloatPoint& point) { return cv::Point2f(point.X, point.Y); });
-    return points;
-}
-
-int Position(const Contour& polygon, const Contour& test) {
-    const std::vector<cv::Point2f> border = PointsOf(polygon);
-    const std::vector<cv::Point2f> points = PointsOf(test);
-    const double side = cv::pointPolygonTest(border, points.front(), false);
-    for (const cv::Point2f& point : points) {
-        if (side != 0 && cv::pointPolygonTest(border, point, false) == -side) return 0;
-    }
-    return side == 0 ? 1 : static_cast<int>(side);
-}
 
 /// Points that are whole twentieths often lie on each other's edges.
 Contour OnAGrid(Bytes& bytes) {
@@ -57,7 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const bool complete = test.Count > 0 && test.Points != nullptr && (polygon.Points != nullptr || polygon.Count <= 0);
     const auto plain = Plainly([&] {
         CV_Assert(complete);
-        return Position(polygon, test);
+        return quarry::plain::PositionOf(quarry::plain::Listed(polygon.Points, polygon.Count),
+                                         quarry::plain::Listed(test.Points, test.Count));
     });
     using Result = ContourInstersectionProcessorResult;
     const bool succeeded = Processed<Result>(handle, input, [&](const Result& result) {

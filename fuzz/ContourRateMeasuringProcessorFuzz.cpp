@@ -4,7 +4,7 @@
 
 #include "fuzz/Bytes.h"
 #include "fuzz/Calls.h"
-#include "fuzz/Plain.h"
+#include "plain/Steps.h"
 
 using namespace quarry::fuzz;
 
@@ -36,7 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const bool sized = input.FrameWidth != 0 && input.FrameHeight != 0;
     using Result = ContourRateMeasuringOutputData;
     const bool succeeded = Processed<Result>(handle, input, [&](const Result& result) {
-        if (!sized) Require(SameBits(result.Rate, input.DefaultRate), "without a frame the rate is the default");
+        if (!sized)
+            Require(quarry::plain::SameBits(result.Rate, input.DefaultRate), "without a frame the rate is the default");
         if (sized && input.Interval > 0) Require(!(result.Rate < 0), "a rate is not negative");
     });
     Require(succeeded || sized, "nothing is refused without a frame");

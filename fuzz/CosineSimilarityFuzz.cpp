@@ -4,7 +4,8 @@
 
 #include "fuzz/Bytes.h"
 #include "fuzz/Calls.h"
-#include "fuzz/Plain.h"
+#include "plain/CosineSimilarity.h"
+#include "plain/Steps.h"
 
 using namespace quarry::fuzz;
 
@@ -21,22 +22,6 @@ const float* Embedding(Bytes& bytes) {
     return values;
 }
 
-double Norm(const float* values) {
-    double sum = 0;
-    for (int i = 0; i < kLength; i += 4) {
-        double group = 0;
-        for (int j = i; j < i + 4; ++j) group += static_cast<double>(values[j]) * static_cast<double>(values[j]);
-        sum += group;
-    }
-    return std::sqrt(sum);
-}
-
-double Cosine(const float* a, const float* b) {
-    float dot = 0;
-    for (int i = 0; i < kLength; ++i) dot += a[i] * b[i];
-    return static_cast<double>(dot) / (Norm(a) * Norm(b));
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
@@ -46,8 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
                                  Embedding(bytes)};
     const bool complete = input.FirstEmbedding != nullptr && input.SecondEmbedding != nullptr;
     const bool succeeded = Processed<CosineOutputData>(handle, input, [&](const CosineOutputData& result) {
-        const double plain = Cosine(input.FirstEmbedding, input.SecondEmbedding);
-        Require(SameBits(result.Similarity, plain), "the similarity is that of the plain sums");
+        const double plain = quarry::plain::Cosine(input.FirstEmbedding, input.SecondEmbedding);
+        Require(quarry::plain::SameBits(result.Similarity, plain), "the similarity is that of the plain sums");
     });
     Require(succeeded == complete, "embeddings are refused where one is null");
     return 0;

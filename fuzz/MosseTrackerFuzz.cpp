@@ -4,8 +4,8 @@
 
 #include "fuzz/Bytes.h"
 #include "fuzz/Calls.h"
-#include "fuzz/Plain.h"
-#include "support/PlainMosseTracker.h"
+#include "plain/MosseTracker.h"
+#include "plain/Steps.h"
 
 using namespace quarry::fuzz;
 
@@ -23,7 +23,7 @@ bool SamePlace(const PixelRect& a, const PixelRect& b) {
     return a.X == b.X && a.Y == b.Y && a.Width == b.Width && a.Height == b.Height;
 }
 
-void CheckResult(const MosseTrackerResult& result, const quarry::test::PlainMosseTracker& plain) {
+void CheckResult(const MosseTrackerResult& result, const quarry::plain::MosseTracker& plain) {
     Require(result.Found == (plain.found ? 1 : 0), "a target is found where the plain steps find it, and only there");
     Require(SamePlace(result.TargetRect, plain.Rect()), "the window is where the plain steps put it");
     Require(result.Zero[0] == 0 && result.Zero[1] == 0 && result.Zero[2] == 0, "zeros are zero");
@@ -39,12 +39,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     Require((handle != nullptr) == (options.TrackerMode <= 1), "a mode is refused when it is unknown, and only then");
     if (handle == nullptr) return 0;
 
-    std::optional<quarry::test::PlainMosseTracker> plain;
+    std::optional<quarry::plain::MosseTracker> plain;
     for (int frame = bytes.Below(6); frame >= 0; --frame) {
         const MosseTrackerData input = {bytes.Any<uint32_t>(), bytes.FrameOrNull(), Target(bytes)};
         if (Updated(handle, input)) {
-            if (!plain) plain.emplace(options.TrackerMode, FrameOf(input.Image), input.InitialRect);
-            plain->Update(FrameOf(input.Image));
+            if (!plain) plain.emplace(options.TrackerMode, quarry::plain::FrameOf(input.Image), input.InitialRect);
+            plain->Update(quarry::plain::FrameOf(input.Image));
         }
         const auto check = [&](const MosseTrackerResult& result) { CheckResult(result, *plain); };
         Require(GotResult<MosseTrackerResult>(handle, check) == plain.has_value(),

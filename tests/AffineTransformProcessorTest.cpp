@@ -13,17 +13,13 @@
 #include <vector>
 
 #include "Quarry.OpenCV/AffineTransformProcessor.h"
-#include "Quarry/Quarry.h"
-#include "support/Allocations.h"
+#include "support/Calls.h"
 #include "support/Footage.h"
-#include "support/Framed.h"
-#include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
 namespace {
 
 using namespace quarry::test;
-
 using Points = std::vector<FloatPoint>;
 
 constexpr int kLargest = std::numeric_limits<int32_t>::max();
@@ -97,60 +93,38 @@ bool Same(const cv::Mat& a, const cv::Mat& b) {
     return a.size() == b.size() && a.type() == b.type() && cv::norm(a, b, cv::NORM_INF) == 0;
 }
 
-/// One processor with an output size, called through the drivers.
-class Aligner {
-public:
-    explicit Aligner(const cv::Size& size, unsigned char unread = 0xA5) {
-        auto options = FramedOptions<TransformOptions>(unread);
-        options->Width = size.width;
-        options->Height = size.height;
-        CreateCVAffineTransformProcessor(&handle, options.record());
-    }
-    Aligner(const Aligner&) = delete;
-    Aligner& operator=(const Aligner&) = delete;
-    ~Aligner() { Dispose(handle); }
-
-    void* handle = nullptr;
-};
-
-Framed<AffineTransformData> InputOf(const Image& frame, const PointArray& src, const PointArray& dst) {
-    auto input = FramedInput<AffineTransformData>(0xA5);
-    input->Frame = frame;
-    input->SrcPoints = src;
-    input->DstPoints = dst;
-    return input;
-}
-
-PointArray ArrayOf(Points& points) {
+PointArray ArrayOf(const Points& points) {
     PointArray array;
     array.PointsCount = static_cast<int32_t>(points.size());
-    array.Points = points.data();
+    array.Points = const_cast<FloatPoint*>(points.data());  // the library only reads them
     return array;
 }
 
-/// An aligned frame, given back at the end.
-class Aligned {
-public:
-    Aligned(const cv::Size& size, const Image& frame, Points src, Points dst, unsigned char unread = 0xA5)
-        : aligner(size, unread) {
-        auto input = InputOf(frame, ArrayOf(src), ArrayOf(dst));
-        Process(aligner.handle, input.as<ProcessData>(), record.as<ProcessResult>());
-    }
-    Aligned(const Aligned&) = delete;
-    Aligned& operator=(const Aligned&) = delete;
-    ~Aligned() { DisposeResult(aligner.handle, record.as<ProcessResult>()); }
-
-    const Image* operator->() { return record->ResultImage; }
-
-    /// Its pixels, as packed rows; they live as long as this does.
-    cv::Mat Pixels() {
-        return {record->ResultImage->height, record->ResultImage->width, CV_8UC3, record->ResultImage->data};
+class AffineTransform : public ProcessorTest<operations::SimilarityTransform> {
+protected:
+    /// An aligned frame, given back at its end.
+    Called<operations::SimilarityTransform> Aligned(const cv::Size& size, const Image& frame, const Points& src,
+                                                    const Points& dst) {
+        Create({0, 0, size.width, size.height});
+        return Call({0, frame, ArrayOf(dst), ArrayOf(src)});
     }
 
-    Framed<TransformResult> record = FramedResult<TransformResult>(0xA5);
+    cv::Mat Pixels(const cv::Size& size, const Image& frame, const Points& src, const Points& dst) {
+        return PixelsOf(*Aligned(size, frame, src, dst)->ResultImage).clone();
+    }
 
-private:
-    Aligner aligner;
+    template <class Exception>
+    void ExpectRefusal(const cv::Size& size, const Image& frame, const PointArray& src, const PointArray& dst,
+                       const std::string& message = {}) {
+        SCOPED_TRACE(testing::Message() << size << " from " << frame.width << " x " << frame.height);
+        Create({0, 0, size.width, size.height});
+        ProcessorTest::ExpectRefusal<Exception>({0, frame, dst, src}, message);
+    }
+
+    template <class Exception>
+    void ExpectRefusal(const cv::Size& size, const Image& frame, const std::string& message = {}) {
+        ExpectRefusal<Exception>(size, frame, ArrayOf(kFace), ArrayOf(kFace), message);
+    }
 };
 
 cv::Mat Reference(const cv::Mat& frame, const cv::Size& size, const Points& src, const Points& dst) {
@@ -158,23 +132,6 @@ cv::Mat Reference(const cv::Mat& frame, const cv::Size& size, const Points& src,
     cv::warpAffine(frame, out, Fit(src, dst)(cv::Rect(0, 0, 3, 2)), size, cv::INTER_LINEAR, cv::BORDER_CONSTANT,
                    cv::Scalar(0, 0, 0, 0));
     return out;
-}
-
-/// A call that must throw, and change nothing.
-template <class Exception>
-void ExpectRefusal(const cv::Size& size, const Image& frame, const PointArray& src, const PointArray& dst,
-                   const std::string& message = {}) {
-    SCOPED_TRACE(testing::Message() << size << " from " << frame.width << " x " << frame.height);
-    const Aligner aligner(size);
-    auto input = InputOf(frame, src, dst);
-    const std::string said = RefusalOfInput<Exception, TransformResult>(aligner.handle, input);
-    EXPECT_TRUE(message.empty() || said == message) << said;
-}
-
-template <class Exception>
-void ExpectRefusal(const cv::Size& size, const Image& frame, const std::string& message = {}) {
-    Points points = kFace;
-    ExpectRefusal<Exception>(size, frame, ArrayOf(points), ArrayOf(points), message);
 }
 
 TEST(SimilaritySteps, MeanIsThatOfEachColumn) {
@@ -271,7 +228,7 @@ TEST(Similarity, OntoASinglePointHasNoScale) {
     ExpectIs(Fit(kFace, Points(5, {30, 20})), {{0, 0}, {30, 20}});
 }
 
-TEST(AffineTransform, EqualsThePlainWarpOnFramesOfAnySize) {
+TEST_F(AffineTransform, EqualsThePlainWarpOnFramesOfAnySize) {
     const cv::Size sizes[] = {{1, 1}, {1, 7}, {7, 1}, {17, 13}, {112, 112}, {333, 251}};
     for (const cv::Size& frameSize : sizes) {
         for (const cv::Size& size : sizes) {
@@ -280,120 +237,85 @@ TEST(AffineTransform, EqualsThePlainWarpOnFramesOfAnySize) {
                 cv::RNG random(seed + 1);
                 const Points src = RandomPoints(random);
                 const Points dst = RandomPoints(random);
-                EXPECT_TRUE(Same(Aligned(size, ImageOf(frame), src, dst).Pixels(), Reference(frame, size, src, dst)))
+                EXPECT_TRUE(Same(Pixels(size, ImageOf(frame), src, dst), Reference(frame, size, src, dst)))
                     << size << " from " << frameSize << ", seed " << seed;
             }
         }
     }
 }
 
-TEST(AffineTransform, EqualsThePlainWarpOnRealFrames) {
+TEST_F(AffineTransform, EqualsThePlainWarpOnRealFrames) {
     const std::vector<cv::Mat> frames = PedestrianFrames(8);
     if (frames.empty()) GTEST_SKIP() << "no footage in " << MediaDirectory();
     const cv::Size size(112, 112);
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const auto step = static_cast<float>(i);
         const Points src = Carried(kFace, 3, 0, step, 1, 2, 0);
-        EXPECT_TRUE(
-            Same(Aligned(size, ImageOf(frames[i]), src, kFace).Pixels(), Reference(frames[i], size, src, kFace)))
+        EXPECT_TRUE(Same(Pixels(size, ImageOf(frames[i]), src, kFace), Reference(frames[i], size, src, kFace)))
             << "frame " << i;
     }
 }
 
-TEST(AffineTransform, OfEqualPointsIsTheFramesTopLeftPart) {
+TEST_F(AffineTransform, OfEqualPointsIsTheFramesTopLeftPart) {
     const cv::Mat frame = RandomFrame(130, 120, 1);
-    Aligned smaller({112, 100}, ImageOf(frame), kFace, kFace);
-    EXPECT_TRUE(Same(smaller.Pixels(), frame(cv::Rect(0, 0, 112, 100))));
-    Aligned larger({150, 140}, ImageOf(frame), kFace, kFace);
+    auto smaller = Aligned({112, 100}, ImageOf(frame), kFace, kFace);
+    EXPECT_TRUE(Same(PixelsOf(*smaller->ResultImage), frame(cv::Rect(0, 0, 112, 100))));
+    auto larger = Aligned({150, 140}, ImageOf(frame), kFace, kFace);
     cv::Mat expected(140, 150, CV_8UC3, cv::Scalar::all(0));
     frame.copyTo(expected(cv::Rect(0, 0, 130, 120)));
-    EXPECT_TRUE(Same(larger.Pixels(), expected));
+    EXPECT_TRUE(Same(PixelsOf(*larger->ResultImage), expected));
 }
 
-TEST(AffineTransform, CarriesTheSourcePointsOntoTheDestination) {
+TEST_F(AffineTransform, CarriesTheSourcePointsOntoTheDestination) {
     const cv::Mat frame = RandomFrame(130, 120, 2);
     const Points shifted = Carried(kFace, 1, 0, 10, 0, 1, -5);
-    Aligned aligned({130, 120}, ImageOf(frame), kFace, shifted);
+    auto aligned = Aligned({130, 120}, ImageOf(frame), kFace, shifted);
     cv::Mat expected(120, 130, CV_8UC3, cv::Scalar::all(0));
     frame(cv::Rect(0, 5, 120, 115)).copyTo(expected(cv::Rect(10, 0, 120, 115)));
-    EXPECT_TRUE(Same(aligned.Pixels(), expected));
+    EXPECT_TRUE(Same(PixelsOf(*aligned->ResultImage), expected));
 }
 
-TEST(AffineTransform, OntoASinglePointIsOfOneColour) {
+TEST_F(AffineTransform, OntoASinglePointIsOfOneColour) {
     const cv::Mat frame = RandomFrame(130, 120, 3);
-    Aligned aligned({40, 30}, ImageOf(frame), kFace, Points(5, {30, 20}));
-    const cv::Mat pixels = aligned.Pixels();
+    auto aligned = Aligned({40, 30}, ImageOf(frame), kFace, Points(5, {30, 20}));
+    const cv::Mat pixels = PixelsOf(*aligned->ResultImage);
     EXPECT_TRUE(Same(pixels, cv::Mat(30, 40, CV_8UC3, cv::Scalar(pixels.at<cv::Vec3b>(0, 0)))));
 }
 
-TEST(AffineTransform, WithoutAScaleHasItsSize) {
+TEST_F(AffineTransform, WithoutAScaleHasItsSize) {
     const cv::Mat frame = RandomFrame(130, 120, 3);
     const Points single(5, {30, 20});
     Points broken = kFace;
     broken[2] = {kNan, std::numeric_limits<float>::infinity()};
     for (const Points& src : {single, broken}) {
-        Aligned aligned({40, 30}, ImageOf(frame, 5), src, kFace);
-        EXPECT_EQ(aligned->width, 40);
-        EXPECT_EQ(aligned->height, 30);
-        EXPECT_EQ(aligned->timestamp, 5U);
+        auto aligned = Aligned({40, 30}, ImageOf(frame, 5), src, kFace);
+        EXPECT_EQ(aligned->ResultImage->width, 40);
+        EXPECT_EQ(aligned->ResultImage->height, 30);
+        EXPECT_EQ(aligned->ResultImage->timestamp, 5U);
     }
 }
 
-TEST(AffineTransform, GivesTheOptionsSizePackedRowsAndTheFramesTimestamp) {
+TEST_F(AffineTransform, GivesTheOptionsSizePackedRowsAndTheFramesTimestamp) {
     const cv::Mat frame = RandomFrame(17, 13, 1);
-    Aligned aligned({11, 5}, ImageOf(frame, 0x8123456789ABCDEF), kFace, kFace);
-    EXPECT_EQ(aligned.record->Status, 0);
-    EXPECT_EQ(aligned->width, 11);
-    EXPECT_EQ(aligned->height, 5);
-    EXPECT_EQ(aligned->stride, 33);
-    EXPECT_EQ(aligned->timestamp, 0x8123456789ABCDEF);
+    auto aligned = Aligned({11, 5}, ImageOf(frame, 0x8123456789ABCDEF), kFace, kFace);
+    EXPECT_EQ(aligned->Status, 0);
+    EXPECT_EQ(aligned->ResultImage->width, 11);
+    EXPECT_EQ(aligned->ResultImage->height, 5);
+    EXPECT_EQ(aligned->ResultImage->stride, 33);
+    EXPECT_EQ(aligned->ResultImage->timestamp, 0x8123456789ABCDEF);
 }
 
-TEST(AffineTransform, ReadsNeitherTheFramesStrideNorTheRestOfTheOptions) {
-    const cv::Mat frame = RandomFrame(17, 13, 1);
-    Image image = ImageOf(frame);
-    for (const int unread : {0, 1, -7, 64}) {
-        image.stride = unread;
-        Aligned aligned({11, 5}, image, kFace, kFace, static_cast<unsigned char>(unread));
-        EXPECT_EQ(aligned->stride, 33) << unread;
-        EXPECT_TRUE(Same(aligned.Pixels(), frame(cv::Rect(0, 0, 11, 5)))) << unread;
-    }
-}
-
-TEST(AffineTransform, GivesAnImageWithoutPixelsForASizeWithoutArea) {
+TEST_F(AffineTransform, GivesAnImageWithoutPixelsForASizeWithoutArea) {
     const cv::Mat frame = RandomFrame(17, 13, 1);
     for (const cv::Size& size : {cv::Size(0, 0), cv::Size(0, 5), cv::Size(11, 0)}) {
-        Aligned aligned(size, ImageOf(frame), kFace, kFace);
-        EXPECT_EQ(aligned->width, size.width) << size;
-        EXPECT_EQ(aligned->height, size.height) << size;
-        EXPECT_EQ(aligned->stride, size.width * 3) << size;
+        auto aligned = Aligned(size, ImageOf(frame), kFace, kFace);
+        EXPECT_EQ(aligned->ResultImage->width, size.width) << size;
+        EXPECT_EQ(aligned->ResultImage->height, size.height) << size;
+        EXPECT_EQ(aligned->ResultImage->stride, size.width * 3) << size;
     }
 }
 
-TEST(AffineTransform, LeavesThePaddingOfTheHostsRecordAsItIs) {
-    const cv::Mat frame = RandomFrame(9, 7, 1);
-    Aligned aligned({4, 4}, ImageOf(frame), kFace, kFace);
-    const auto bytes = aligned.record.Bytes();
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xA5) << "byte " << i;
-}
-
-TEST(AffineTransform, GivingAResultBackReleasesItAndForgetsIt) {
-    const cv::Mat frame = RandomFrame(9, 7, 1);
-    const Aligner aligner({4, 4});
-    Points points = kFace;
-    auto input = InputOf(ImageOf(frame), ArrayOf(points), ArrayOf(points));
-    auto result = FramedResult<TransformResult>();
-    std::size_t before = 0;
-    for (int call = 0; call < 2; ++call) {  // whatever the first keeps for good is kept once
-        before = LiveBlocks();
-        Process(aligner.handle, input.as<ProcessData>(), result.as<ProcessResult>());
-        DisposeResult(aligner.handle, result.as<ProcessResult>());
-        EXPECT_EQ(result->ResultImage, nullptr);
-    }
-    EXPECT_EQ(LiveBlocks(), before);
-}
-
-TEST(AffineTransform, RefusesNullPoints) {
+TEST_F(AffineTransform, RefusesNullPoints) {
     const cv::Mat frame = RandomFrame(9, 7, 1);
     Points points = kFace;
     PointArray null = ArrayOf(points);
@@ -404,7 +326,7 @@ TEST(AffineTransform, RefusesNullPoints) {
                                          "AffineTransformData.DstPoints.Points is null; 5 points are needed");
 }
 
-TEST(AffineTransform, RefusesAFrameThatCannotBeWarped) {
+TEST_F(AffineTransform, RefusesAFrameThatCannotBeWarped) {
     const cv::Mat wide(1, 32767, CV_8UC3, cv::Scalar::all(1));
     ExpectRefusal<cv::Exception>({4, 4}, {nullptr, 9, 7, 27, 0});
     ExpectRefusal<cv::Exception>({4, 4}, {nullptr, 0, 0, 0, 0});
@@ -412,7 +334,7 @@ TEST(AffineTransform, RefusesAFrameThatCannotBeWarped) {
     ExpectRefusal<cv::Exception>({4, 4}, ImageOf(wide));
 }
 
-TEST(AffineTransform, RefusesANegativeSize) {
+TEST_F(AffineTransform, RefusesANegativeSize) {
     const cv::Mat frame = RandomFrame(9, 7, 1);
     ExpectRefusal<std::invalid_argument>({-4, -4}, ImageOf(frame),
                                          "TransformOptions: -4 x -4 pixels; neither may be negative");
@@ -422,7 +344,7 @@ TEST(AffineTransform, RefusesANegativeSize) {
                                          "AffineTransformData.Frame: -9 x -7 pixels; neither may be negative");
 }
 
-TEST(AffineTransform, RefusesASizeWhoseBufferWouldWrapToASmallOne) {
+TEST_F(AffineTransform, RefusesASizeWhoseBufferWouldWrapToASmallOne) {
     const cv::Mat frame = RandomFrame(9, 7, 1);
     ExpectRefusal<std::invalid_argument>(
         {65536, 65536}, ImageOf(frame),
@@ -431,26 +353,24 @@ TEST(AffineTransform, RefusesASizeWhoseBufferWouldWrapToASmallOne) {
         {kLargest, 1}, ImageOf(frame), "TransformOptions: height 1 x stride 6442450941; at most 2147483647 is allowed");
 }
 
-TEST(AffineTransform, FailsAsAnAllocationWhenTheBufferWrapsToANegativeSize) {
+TEST_F(AffineTransform, FailsAsAnAllocationWhenTheBufferWrapsToANegativeSize) {
     const cv::Mat frame = RandomFrame(9, 7, 1);
     ExpectRefusal<std::bad_alloc>({30000, 30000}, ImageOf(frame));
 }
 
 /// Numbers of points that end the process, each tried in one of its own.
-class AffineTransformDeath : public testing::Test {
+class AffineTransformDeath : public AffineTransform {
 protected:
     AffineTransformDeath() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
     /// Neither points nor pixels are there: the numbers are looked at before anything else.
-    static void ExpectDeath(int src, int dst, int line, const std::string& expression) {
-        const Aligner aligner({-4, -4});
+    void ExpectDeath(int src, int dst, int line, const std::string& expression) {
+        Create({0, 0, -4, -4});
         PointArray srcPoints{};
         PointArray dstPoints{};
         srcPoints.PointsCount = src;
         dstPoints.PointsCount = dst;
-        auto input = InputOf({nullptr, -9, 7, 27, 0}, srcPoints, dstPoints);
-        auto result = FramedResult<TransformResult>();
-        EXPECT_DEATH(Process(aligner.handle, input.as<ProcessData>(), result.as<ProcessResult>()),
+        EXPECT_DEATH(Call({0, {nullptr, -9, 7, 27, 0}, dstPoints, srcPoints}),
                      "Quarry\\.OpenCV/AffineTransformProcessor\\.cpp:" + std::to_string(line) +
                          ": virtual TransformResult AffineTransformProcessor::DoProcess\\(AffineTransformData\\): "
                          "Assertion `" +

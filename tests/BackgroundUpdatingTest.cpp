@@ -357,33 +357,6 @@ TEST(BackgroundUpdating, LeavesThePixelsOfTheReservedImageAsAllocated) {
     }
 }
 
-TEST(BackgroundUpdating, KeepsItsBuffersWhileTheSizeStays) {
-    Model model;
-    model.Update(MovingSquare(20, 10, 0), kSecond);
-    const BackgroundResult first = model.Result();
-    model.Update(MovingSquare(20, 10, 1), 2 * kSecond);
-    const BackgroundResult second = model.Result();
-    EXPECT_EQ(first.ForegroundMask, second.ForegroundMask);
-    EXPECT_EQ(first.BackgroundImage, second.BackgroundImage);
-    EXPECT_EQ(first.BackgroundImage->data, second.BackgroundImage->data);
-    EXPECT_EQ(first.ReservedImage, second.ReservedImage);
-}
-
-TEST(BackgroundUpdating, LeavesThePaddingOfTheHostsRecordAsItIs) {
-    Model model;
-    model.Update(MovingSquare(20, 10, 0), kSecond);
-    auto result = FramedResult<BackgroundResult>(0xC3);
-    GetUpdateResult(model.handle, result.as<UpdateResult>());
-    const auto bytes = result.Bytes();
-    EXPECT_EQ(result->Status, 0);
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xC3) << "byte " << i;
-}
-
-TEST(BackgroundUpdating, AsksForAFrameBeforeAResult) {
-    Model model;
-    EXPECT_THROW(model.Result(), std::logic_error);
-}
-
 TEST(BackgroundUpdating, AFrameWithoutPixelsIsRefusedAndChangesNothing) {
     const Settings settings;
     Model model(settings);

@@ -274,62 +274,6 @@ TEST_F(CascadeOnFaces, TakesTheAreaFromProductsInSinglePrecision) {
     EXPECT_EQ(Detector().Find(faces, {0.0F, 0.0F, 0.7F, 1.0F}), expected);
 }
 
-TEST_F(CascadeOnFaces, ReadsItsOptionsOnlyWhenItIsCreated) {
-    std::string path = kFaces;
-    auto options = OptionsOf({1, 40, -1, path.c_str()});
-    void* handle = nullptr;
-    CreateCVCascadeClassifier(&handle, options.record());
-    path.assign(path.size(), '#');
-    std::memset(options.record(), 0xFF, sizeof(ClassificationOptions));
-    const RelRect area = {0.125F, 0.25F, 0.5F, 0.5F};
-    auto input = Detector::Input(faces, &area);
-    auto result = FramedResult<ClassificationResult>();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(static_cast<std::size_t>(result->Count), Reference(faces, {80, 120, 320, 240}).size());
-    DisposeResult(handle, result.as<ProcessResult>());
-    Dispose(handle);
-}
-
-TEST_F(CascadeOnFaces, DoesNotReadWhatIsNotForIt) {
-    const RelRect area = {0.125F, 0.25F, 0.5F, 0.5F};
-    const Rects expected = Reference(faces, {80, 120, 320, 240});
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char fill : fills) {
-        auto input = Detector::Input(faces, &area, fill);
-        input->Frame.stride = fill;
-        input->Frame.timestamp = fill;
-        EXPECT_EQ(Detector({}, fill).Find(input), expected) << "filled with " << int{fill};
-    }
-}
-
-TEST_F(CascadeOnFaces, LeavesTheFrameAsItIs) {
-    const cv::Mat before = faces.clone();
-    EXPECT_FALSE(Detector().Find(faces).empty());
-    EXPECT_EQ(std::memcmp(faces.data, before.data, before.total() * 3), 0);
-}
-
-TEST_F(CascadeOnFaces, GivingAResultBackReleasesItAndForgetsIt) {
-    const Detector detector;
-    const RelRect area = {0.125F, 0.25F, 0.5F, 0.5F};
-    detector.Find(faces, area);  // the detector keeps its pyramid
-    auto input = Detector::Input(faces, &area);
-    auto result = FramedResult<ClassificationResult>(0xA5);
-    const std::size_t before = LiveBlocks();
-    Process(detector.handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_GT(result->Count, 0);
-    EXPECT_EQ(LiveBlocks(), before + 1);  // the responses, and no rectangle on the way to them
-    DisposeResult(detector.handle, result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    EXPECT_EQ(result->Responses, nullptr);
-}
-
-TEST_F(CascadeOnFaces, WorksAfterAFailedCall) {
-    const Detector detector;
-    const RelRect outside = {0.75F, 0.0F, 0.5F, 1.0F};
-    detector.ExpectRefusal<cv::Exception>(ImageOf(faces), &outside);
-    EXPECT_EQ(detector.Find(faces), Reference(faces, Whole(faces)));
-}
-
 TEST_F(Cascade, GivesNothingWhereThereAreNoFaces) {
     const Detector detector;
     const RelRect area = kWhole;
@@ -412,10 +356,6 @@ TEST_F(Cascade, RefusesAnAreaWithoutPixels) {
     const RelRect areas[] = {{0.5F, 0.5F, 0.0F, 0.0F}, {0.0F, 0.0F, 1.0F, 0.02F}};
     for (const RelRect& area : areas) detector.ExpectRefusal<cv::Exception>(ImageOf(frame), &area);
     detector.ExpectRefusal<cv::Exception>({nullptr, 0, 0, 0, 0}, &kWhole);
-}
-
-TEST_F(Cascade, RefusesNullPixelsOfAFrameThatIsNotEmpty) {
-    Detector().ExpectRefusal<cv::Exception>({nullptr, 40, 40, 120, 0}, &kWhole);
 }
 
 TEST_F(Cascade, TurnsRectanglesIntoFractionsInTheirOrder) {

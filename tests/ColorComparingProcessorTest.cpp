@@ -229,59 +229,6 @@ TEST_F(ColorComparing, TakesAnOriginJustOutsideForTheFirstPixel) {
     EXPECT_EQ(Compare(2, frame, frame, {-0.09F, -0.05F, 0.5F, 0.5F}), 25.0);
 }
 
-TEST_F(ColorComparing, ReadsRowsAsPackedWhateverTheStrideAndTheTimestamp) {
-    const cv::Mat first = RandomFrame(17, 13, 1);
-    const cv::Mat second = RandomFrame(17, 13, 2);
-    for (const int stride : {0, 1, 51, 64, -51}) {
-        Image one = ImageOf(first, 5);
-        Image other = ImageOf(second, ~uint64_t{0});
-        one.stride = stride;
-        other.stride = -stride;
-        EXPECT_EQ(Compare(handles[0], one, other), Reference(first, second, WholeOf(first), 0)) << stride;
-    }
-}
-
-TEST_F(ColorComparing, DoesNotReadTheReservedWords) {
-    const cv::Mat first = RandomFrame(17, 13, 1);
-    const cv::Mat second = RandomFrame(17, 13, 2);
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char fill : fills) {
-        void* const handle = Create(4, fill);
-        EXPECT_EQ(Compare(handle, ImageOf(first), ImageOf(second), kWhole, fill),
-                  Reference(first, second, WholeOf(first), 4))
-            << "filled with " << int{fill};
-        Dispose(handle);
-    }
-}
-
-TEST_F(ColorComparing, LeavesBothFramesAsTheyAre) {
-    const cv::Mat first = RandomFrame(33, 21, 1);
-    const cv::Mat second = RandomFrame(33, 21, 2);
-    const cv::Mat firstBefore = first.clone();
-    const cv::Mat secondBefore = second.clone();
-    Compare(0, first, second);
-    EXPECT_EQ(std::memcmp(first.data, firstBefore.data, first.total() * 3), 0);
-    EXPECT_EQ(std::memcmp(second.data, secondBefore.data, second.total() * 3), 0);
-}
-
-TEST_F(ColorComparing, HoldsNoBufferAndWritesNoPadding) {
-    const cv::Mat frame = RandomFrame(9, 7, 1);
-    auto input = FramedInput<ColorComparingInputData>();
-    input->FirstImage = ImageOf(frame);
-    input->SecondImage = ImageOf(frame);
-    input->Area = kWhole;
-    auto result = FramedResult<ColorComparingOutputData>(0xA5);
-    Process(handles[0], input.as<ProcessData>(), result.as<ProcessResult>());  // warms OpenCV up
-    const std::size_t before = LiveBlocks();
-    Process(handles[0], input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    const auto bytes = result.Bytes();
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xA5) << "byte " << i;
-    DisposeResult(handles[0], result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    EXPECT_EQ(result.Bytes(), bytes);
-}
-
 TEST_F(ColorComparing, RefusesASecondFrameThatDoesNotHoldTheArea) {
     const cv::Mat first = RandomFrame(60, 40, 1);
     for (const cv::Size& size : {cv::Size(59, 40), cv::Size(60, 39), cv::Size(30, 20)}) {
@@ -353,13 +300,6 @@ TEST_F(ColorComparing, RefusesANegativeSize) {
         ExpectRefusal<cv::Exception>(handles[0], negative, ImageOf(frame));
         ExpectRefusal<cv::Exception>(handles[0], ImageOf(frame), negative);
     }
-}
-
-TEST_F(ColorComparing, WorksAfterAFailedCall) {
-    const cv::Mat first = RandomFrame(20, 16, 10);
-    const cv::Mat second = RandomFrame(20, 16, 11);
-    ExpectRefusal<cv::Exception>(handles[3], {nullptr, 4, 4, 12, 0}, ImageOf(first));
-    EXPECT_EQ(Compare(3, first, second), Reference(first, second, WholeOf(first), 3));
 }
 
 }  // namespace

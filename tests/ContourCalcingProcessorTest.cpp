@@ -1,23 +1,19 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
 #include <limits>
-#include <new>
 #include <opencv2/imgproc.hpp>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "Quarry/Quarry.h"
-#include "support/Allocations.h"
+#include "plain/ContourCalcingProcessor.h"
+#include "support/Calls.h"
 #include "support/Footage.h"
-#include "support/Framed.h"
-#include "support/RefusedInput.h"
 
 namespace {
 
 using namespace quarry::test;
+using quarry::plain::ObjectOutline;
+using quarry::plain::Outline;
 
 constexpr RelRect kEverything{0.0F, 0.0F, 1.0F, 1.0F};
 
@@ -67,98 +63,20 @@ cv::Mat RandomMask(const cv::Size& size, uint64_t seed) {
     return mask;
 }
 
-/// A contour as numbers, to compare bit for bit.
-struct Outline {
-    std::vector<float> places;  ///< x and y of each point
-    float area = 0;
-    float perimeter = 0;
-};
-
-bool operator==(const Outline& a, const Outline& b) {
-    return a.places == b.places && a.area == b.area && a.perimeter == b.perimeter;
-}
-
-std::ostream& operator<<(std::ostream& out, const Outline& outline) {
-    return out << outline.places.size() / 2 << " points, area " << outline.area << ", perimeter " << outline.perimeter;
-}
-
-/// The chosen border in pixels of the rectangle: the earliest of those with the highest score above 0.
-std::vector<cv::Point> ReferencePoints(const cv::Mat& mask, const cv::Rect& rect, int method, int mode) {
-    std::vector<std::vector<cv::Point>> borders;
-    cv::findContours(mask(rect).clone(), borders, cv::RETR_LIST, method);
-    std::vector<double> scores;
-    for (const std::vector<cv::Point>& border : borders) {
-        const cv::Size box = cv::boundingRect(border).size();
-        scores.push_back(mode == 0   ? cv::contourArea(border)
-                         : mode == 1 ? box.width * box.width + box.height * box.height
-                                     : 0);
-    }
-    const auto best = std::max_element(scores.begin(), scores.end());
-    if (best == scores.end() || *best == 0) return {};
-    return borders[static_cast<std::size_t>(best - scores.begin())];
-}
-
-Outline Reference(const cv::Mat& mask, const cv::Rect& rect, int method, int mode) {
-    const auto width = static_cast<float>(mask.cols);
-    const auto height = static_cast<float>(mask.rows);
-    const std::vector<cv::Point> points = ReferencePoints(mask, rect, method, mode);
-    Outline outline;
-    for (const cv::Point& point : points) {
-        outline.places.push_back(static_cast<float>(rect.x + point.x) / width);
-        outline.places.push_back(static_cast<float>(rect.y + point.y) / height);
-    }
-    if (points.empty()) return outline;
-    volatile float frameArea = height * width;
-    outline.area = static_cast<float>(cv::contourArea(points)) / frameArea;
-    outline.perimeter = static_cast<float>(cv::arcLength(points, true)) / width;
-    return outline;
-}
-
-/// Processors, called through the drivers.
-class ObjectContour : public testing::Test {
+class ObjectContour : public ProcessorTest<operations::ObjectContour> {
 protected:
-    ObjectContour() { Create(cv::CHAIN_APPROX_SIMPLE, 0); }
-    ~ObjectContour() override { Dispose(handle); }
+    ObjectContour() : ProcessorTest({0, 0, cv::CHAIN_APPROX_SIMPLE, 0}) {}
 
-    void Create(int method, int mode, unsigned char unread = 0xA5) {
-        Dispose(handle);
-        auto options = FramedOptions<ContourCalcingOptions>(unread);
-        options->ApproximationMethod = method;
-        options->SelectionMode = mode;
-        CreateCVContourCalculator(&handle, options.record());
-    }
+    void Create(int method, int mode) { ProcessorTest::Create({0, 0, method, mode}); }
 
-    static Framed<ContourCalcingInputData> Input(const Mask& mask, const RelRect& rect, unsigned char unread = 0xA5) {
-        auto input = FramedInput<ContourCalcingInputData>(unread);
-        input->ObjectMask = mask;
-        input->ObjectRect = rect;
-        return input;
-    }
-
-    Outline Find(const Mask& mask, const RelRect& rect, unsigned char unread = 0xA5) {
-        auto input = Input(mask, rect, unread);
-        auto result = FramedResult<ContourResult>(0xA5);
-        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-        EXPECT_EQ(result->Status, 0);
-        const Contour& contour = *result->Contour;
-        Outline outline{{}, contour.Area, contour.Perimeter};
-        for (int i = 0; i < contour.Count; ++i) {
-            outline.places.push_back(contour.Points[i].X);
-            outline.places.push_back(contour.Points[i].Y);
-        }
-        DisposeResult(handle, result.as<ProcessResult>());
-        return outline;
+    Outline Find(const Mask& mask, const RelRect& rect) {
+        return quarry::plain::OutlineOf(*Call({0, mask, rect})->Contour);
     }
     Outline Find(const cv::Mat& mask, const cv::Rect& rect) { return Find(MaskOf(mask), Around(rect, mask.size())); }
 
-    /// A call that must throw, and change nothing.
     void ExpectRefusal(const Mask& mask, const RelRect& rect, const std::string& message = {}) {
-        auto input = Input(mask, rect);
-        const std::string said = RefusalOfInput<cv::Exception, ContourResult>(handle, input);
-        EXPECT_NE(said.find(message), std::string::npos) << said;
+        ProcessorTest::ExpectRefusal<cv::Exception>({0, mask, rect}, message);
     }
-
-    void* handle = nullptr;
 };
 
 TEST_F(ObjectContour, IsTheChosenBorderOfRandomMasks) {
@@ -174,7 +92,7 @@ TEST_F(ObjectContour, IsTheChosenBorderOfRandomMasks) {
                 const int y = random.uniform(0, size.height);
                 const cv::Rect rect(x, y, random.uniform(1, size.width - x + 1),
                                     random.uniform(1, size.height - y + 1));
-                EXPECT_EQ(Find(mask, rect), Reference(mask, rect, method, mode))
+                EXPECT_EQ(Find(mask, rect), ObjectOutline(mask, rect, method, mode))
                     << "method " << method << ", mode " << mode << ", seed " << seed << ", " << size << ", " << rect;
             }
         }
@@ -189,7 +107,7 @@ TEST_F(ObjectContour, IsTheChosenBorderOfRealFrames) {
         cv::cvtColor(frames[i], mask, cv::COLOR_BGR2GRAY);
         cv::threshold(mask, mask, 110, 255, cv::THRESH_BINARY_INV);
         for (const cv::Rect& rect : {cv::Rect(0, 0, 768, 576), cv::Rect(131, 77, 333, 251)}) {
-            EXPECT_EQ(Find(mask, rect), Reference(mask, rect, 2, 0)) << "frame " << i << ", " << rect;
+            EXPECT_EQ(Find(mask, rect), ObjectOutline(mask, rect, 2, 0)) << "frame " << i << ", " << rect;
         }
     }
 }
@@ -229,7 +147,7 @@ TEST_F(ObjectContour, TruncatesItsRectangle) {
     // From 19.9 to the pixel before 19 + 11.9, truncated each for itself: columns 19 to 29.
     const cv::Mat mask = MaskWith({80, 40}, {0, 0, 80, 40});
     const RelRect rect{19.9F / 80, 9.9F / 40, 11.9F / 80, 6.9F / 40};
-    EXPECT_EQ(Find(MaskOf(mask), rect), Reference(mask, {19, 9, 11, 6}, 2, 0));
+    EXPECT_EQ(Find(MaskOf(mask), rect), ObjectOutline(mask, {19, 9, 11, 6}, 2, 0));
 }
 
 TEST_F(ObjectContour, DividesItsAreaInSinglePrecision) {
@@ -245,7 +163,7 @@ TEST_F(ObjectContour, DividesItsPerimeterInSinglePrecision) {
     int telling = 0;
     for (uint64_t seed = 0; seed < 200; ++seed) {
         const cv::Mat mask = RandomMask({61, 47}, seed);
-        const std::vector<cv::Point> points = ReferencePoints(mask, {0, 0, 61, 47}, 1, 1);
+        const std::vector<cv::Point> points = quarry::plain::ChosenBorder(mask, {0, 0, 61, 47}, 1, 1);
         ASSERT_FALSE(points.empty()) << "seed " << seed;
         const double length = cv::arcLength(points, true);
         const float divided = static_cast<float>(length) / 61.0F;
@@ -257,20 +175,11 @@ TEST_F(ObjectContour, DividesItsPerimeterInSinglePrecision) {
 
 TEST_F(ObjectContour, IsEmptyWhereTheRectangleHoldsNothing) {
     const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
-    Find(mask, {40, 5, 30, 30});  // OpenCV keeps what it sets up at a first call
-    auto input = Input(MaskOf(mask), Around({40, 5, 30, 30}, mask.size()));
-    auto result = FramedResult<ContourResult>(0xA5);
-    const std::size_t before = LiveBlocks();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    auto result = Call({0, MaskOf(mask), Around({40, 5, 30, 30}, mask.size())});
     EXPECT_EQ(result->Status, 0);
     ASSERT_NE(result->Contour, nullptr);
     EXPECT_NE(result->Contour->Points, nullptr);
-    EXPECT_EQ(result->Contour->Count, 0);
-    EXPECT_EQ(result->Contour->Area, 0.0F);
-    EXPECT_EQ(result->Contour->Perimeter, 0.0F);
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result->Contour, nullptr);
-    EXPECT_EQ(LiveBlocks(), before);
+    EXPECT_EQ(quarry::plain::OutlineOf(*result->Contour), Outline());
 }
 
 TEST_F(ObjectContour, IsEmptyInAModeThatNothingKnows) {
@@ -335,101 +244,6 @@ TEST_F(ObjectContour, RefusesAnApproximationMethodThatOpenCvDoesNotKnow) {
         Create(method, 0);
         ExpectRefusal(MaskOf(mask), kEverything);
     }
-}
-
-TEST_F(ObjectContour, WorksAfterAFailedCall) {
-    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
-    ExpectRefusal(MaskOf(mask), {0.9F, 0.9F, 0.9F, 0.9F});
-    EXPECT_EQ(Find(mask, {0, 0, 80, 40}), Reference(mask, {0, 0, 80, 40}, 2, 0));
-}
-
-TEST_F(ObjectContour, LosesNothingWhenTheMemoryForItsResultRunsOut) {
-    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
-    Find(mask, {0, 0, 80, 40});  // OpenCV keeps what it sets up at a first call
-    auto input = Input(MaskOf(mask), kEverything);
-    auto result = FramedResult<ContourResult>(0xA5);
-    std::size_t allocations = 0;
-    {
-        AllocationLog log;
-        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-        allocations = log.Sizes().size();
-    }
-    DisposeResult(handle, result.as<ProcessResult>());
-    ASSERT_GE(allocations, 2U);  // the last two are the contour and its points; those before are OpenCV's
-    for (std::size_t served = allocations - 2; served < allocations; ++served) {
-        SCOPED_TRACE(served);
-        auto untouched = FramedResult<ContourResult>(0xA5);
-        const std::size_t before = LiveBlocks();
-        {
-            const FailingAllocation failure(served);
-            EXPECT_THROW(Process(handle, input.as<ProcessData>(), untouched.as<ProcessResult>()), std::bad_alloc);
-        }
-        EXPECT_EQ(LiveBlocks(), before);
-        for (const unsigned char byte : untouched.Bytes()) EXPECT_EQ(byte, 0xA5);
-    }
-}
-
-TEST_F(ObjectContour, LeavesTheMaskAsItIs) {
-    for (uint64_t seed = 0; seed < 10; ++seed) {
-        const cv::Mat mask = RandomMask({33, 21}, seed);
-        const cv::Mat before = mask.clone();
-        Find(mask, {1, 1, 30, 19});
-        EXPECT_EQ(std::memcmp(mask.data, before.data, mask.total()), 0) << "seed " << seed;
-    }
-}
-
-TEST_F(ObjectContour, KeepsTheOptionsThatItWasMadeWith) {
-    auto options = FramedOptions<ContourCalcingOptions>();
-    options->ApproximationMethod = 1;
-    void* other = nullptr;
-    CreateCVContourCalculator(&other, options.record());
-    options->ApproximationMethod = 2;
-    options->SelectionMode = 7;
-    std::swap(handle, other);
-    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
-    EXPECT_EQ(Find(mask, {0, 0, 80, 40}), Reference(mask, {0, 0, 80, 40}, 1, 0));
-    Dispose(other);
-}
-
-TEST_F(ObjectContour, DoesNotReadTheReservedBytes) {
-    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char unread : fills) {
-        Create(2, 0, unread);
-        EXPECT_EQ(Find(MaskOf(mask), kEverything, unread), Reference(mask, {0, 0, 80, 40}, 2, 0))
-            << "filled with " << int{unread};
-    }
-}
-
-TEST_F(ObjectContour, LeavesThePaddingOfTheHostsRecordAsItIs) {
-    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
-    auto input = Input(MaskOf(mask), kEverything);
-    auto result = FramedResult<ContourResult>(0xC3);
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    const auto bytes = result.Bytes();
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xC3) << "byte " << i;
-    DisposeResult(handle, result.as<ProcessResult>());
-}
-
-TEST_F(ObjectContour, GivingAResultBackReleasesItAndForgetsIt) {
-    const cv::Mat mask = MaskWith({80, 40}, {20, 10, 15, 15});
-    Find(mask, {0, 0, 80, 40});
-    auto input = Input(MaskOf(mask), kEverything);
-    auto result = FramedResult<ContourResult>(0xA5);
-    const std::size_t before = LiveBlocks();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before + 2);
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    EXPECT_EQ(result->Contour, nullptr);
-}
-
-TEST_F(ObjectContour, GivingBackAResultWithoutAContourChangesNothing) {
-    auto result = FramedResult<ContourResult>(0x5A);
-    result->Contour = nullptr;
-    const auto before = result.Bytes();
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result.Bytes(), before);
 }
 
 }  // namespace

@@ -7,15 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "Quarry/Quarry.h"
+#include "plain/ContourIntersectionProcessorPT.h"
 #include "support/Allocations.h"
-#include "support/Framed.h"
-#include "support/RefusedInput.h"
+#include "support/Calls.h"
 
 namespace {
 
 using namespace quarry::test;
-
 using Points = std::vector<FloatPoint>;
 
 constexpr int kInside = 1;
@@ -28,56 +26,22 @@ const FloatPoint kBeyond{15, 5};
 const FloatPoint kOnSide{10, 5};
 const FloatPoint kOnCorner{0, 0};
 
-/// One processor, called through the drivers.
-class ContourIntersection : public testing::Test {
+class ContourIntersection : public ProcessorTest<operations::ContourIntersection> {
 protected:
-    explicit ContourIntersection(unsigned char fill = 0xA5) {
-        auto options = FramedOptions<ContourIntersectionProcessorOptions>(fill);
-        CreateCVContourIntersectionProcessor(&handle, options.record());
-    }
-    ~ContourIntersection() override { Dispose(handle); }
-
-    static Framed<ContourIntersectionProcessorData> Input(Points& polygon, Points& test, unsigned char unread = 0xA5) {
-        auto input = FramedInput<ContourIntersectionProcessorData>(unread);
-        input->Polygon.Points = polygon.data();
-        input->Polygon.Count = static_cast<int32_t>(polygon.size());
-        input->TestContour.Points = test.data();
-        input->TestContour.Count = static_cast<int32_t>(test.size());
-        return input;
+    static Input InputOf(Points& polygon, Points& test) {
+        return {0,
+                {polygon.data(), static_cast<int32_t>(polygon.size()), 0, 0},
+                {test.data(), static_cast<int32_t>(test.size()), 0, 0}};
     }
 
-    int Position(Framed<ContourIntersectionProcessorData>& input) {
-        auto result = FramedResult<ContourInstersectionProcessorResult>(0xA5);
-        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-        EXPECT_EQ(result->Status, 0);
-        return result->Position;
-    }
-    int Position(Points polygon, Points test) {
-        auto input = Input(polygon, test);
-        return Position(input);
-    }
-
-    /// A call that must throw, and change nothing.
-    void ExpectRefusal(Framed<ContourIntersectionProcessorData>& input, const std::string& message) {
-        EXPECT_EQ((RefusalOfInput<std::invalid_argument, ContourInstersectionProcessorResult>(handle, input)), message);
-    }
-
-    void* handle = nullptr;
+    int Position(Points polygon, Points test) { return Call(InputOf(polygon, test))->Position; }
 };
 
-/// Which sides of a polygon a contour's points lie on, and what that makes of the contour.
 int Reference(const Points& polygon, const Points& test) {
-    std::vector<cv::Point2f> border;
-    for (const FloatPoint& point : polygon) border.emplace_back(point.X, point.Y);
-    std::vector<int> sides;
-    for (const FloatPoint& point : test) {
-        sides.push_back(static_cast<int>(cv::pointPolygonTest(border, cv::Point2f(point.X, point.Y), false)));
-    }
-    if (sides[0] == 0) return 1;
-    for (const int side : sides) {
-        if (side != 0 && side != sides[0]) return 0;
-    }
-    return sides[0];
+    const auto listed = [](const Points& points) {
+        return quarry::plain::Listed(points.data(), static_cast<int>(points.size()));
+    };
+    return quarry::plain::PositionOf(listed(polygon), listed(test));
 }
 
 Points RandomPoints(cv::RNG& random, int count, bool whole, double reach) {
@@ -207,12 +171,12 @@ TEST_F(ContourIntersection, HandsAPolygonWithoutPointsToOpenCv) {
         for (const int count : {0, -1, std::numeric_limits<int>::min()}) {
             SCOPED_TRACE(count);
             Points test = {kWithin};
-            auto input = Input(points, test);
-            input->Polygon.Points = unread;
-            input->Polygon.Count = count;
+            Input input = InputOf(points, test);
+            input.Polygon.Points = unread;
+            input.Polygon.Count = count;
             const std::size_t before = LiveBlocks();
             try {
-                EXPECT_EQ(Position(input), side == 0 ? 1 : side);
+                EXPECT_EQ(Call(input)->Position, side == 0 ? 1 : side);
                 EXPECT_FALSE(refused);
             } catch (const cv::Exception&) {
                 EXPECT_TRUE(refused);
@@ -226,83 +190,24 @@ TEST_F(ContourIntersection, RefusesAContourWithoutPoints) {
     Points polygon = kSquare;
     Points test = {kWithin};
     for (const int count : {0, -1, std::numeric_limits<int>::min()}) {
-        auto input = Input(polygon, test);
-        input->TestContour.Count = count;
-        ExpectRefusal(input, "ContourIntersectionProcessorData.TestContour.Count is " + std::to_string(count) +
-                                 "; at least 1 is needed");
+        Input input = InputOf(polygon, test);
+        input.TestContour.Count = count;
+        ExpectRefusal<std::invalid_argument>(input, "ContourIntersectionProcessorData.TestContour.Count is " +
+                                                        std::to_string(count) + "; at least 1 is needed");
     }
 }
 
 TEST_F(ContourIntersection, RefusesNullPointsWhereSomeAreCounted) {
     Points polygon = kSquare;
     Points test = {kWithin, kBeyond};
-    auto input = Input(polygon, test);
-    input->Polygon.Points = nullptr;
-    ExpectRefusal(input, "ContourIntersectionProcessorData.Polygon.Points is null; 4 points are needed");
-    input = Input(polygon, test);
-    input->TestContour.Points = nullptr;
-    ExpectRefusal(input, "ContourIntersectionProcessorData.TestContour.Points is null; 2 points are needed");
-}
-
-TEST_F(ContourIntersection, WorksAfterAFailedCall) {
-    Points polygon = kSquare;
-    Points test = {kWithin};
-    auto input = Input(polygon, test);
-    input->TestContour.Count = 0;
-    ExpectRefusal(input, "ContourIntersectionProcessorData.TestContour.Count is 0; at least 1 is needed");
-    EXPECT_EQ(Position(kSquare, {kBeyond}), kOutside);
-}
-
-TEST_F(ContourIntersection, ReadsNothingOfTheContoursButTheirPoints) {
-    Points polygon = kSquare;
-    Points test = {kWithin, kBeyond};
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char unread : fills) {
-        auto input = Input(polygon, test, unread);
-        EXPECT_EQ(Position(input), kCrossing) << "filled with " << int{unread};
-    }
-}
-
-TEST_F(ContourIntersection, DoesNotReadItsOptions) {
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char fill : fills) {
-        auto options = FramedOptions<ContourIntersectionProcessorOptions>(fill);
-        Dispose(handle);
-        CreateCVContourIntersectionProcessor(&handle, options.record());
-        EXPECT_EQ(Position(kSquare, {kWithin}), kInside) << "filled with " << int{fill};
-        EXPECT_EQ(Position(kSquare, {kBeyond}), kOutside) << "filled with " << int{fill};
-    }
-}
-
-TEST_F(ContourIntersection, LeavesTheContoursAsTheyAre) {
-    Points polygon = kSquare;
-    Points test = {kWithin, kBeyond};
-    auto input = Input(polygon, test);
-    const auto before = input.Bytes();
-    Position(input);
-    EXPECT_EQ(input.Bytes(), before);
-    for (std::size_t i = 0; i < kSquare.size(); ++i) {
-        EXPECT_EQ(polygon[i].X, kSquare[i].X) << "point " << i;
-        EXPECT_EQ(polygon[i].Y, kSquare[i].Y) << "point " << i;
-    }
-    EXPECT_EQ(test[0].X, kWithin.X);
-    EXPECT_EQ(test[1].X, kBeyond.X);
-}
-
-TEST_F(ContourIntersection, KeepsNothingInMemory) {
-    Position(kSquare, {kWithin, kBeyond});
-    const std::size_t before = LiveBlocks();
-    Position(kSquare, {kWithin, kBeyond});
-    EXPECT_EQ(LiveBlocks(), before);
-}
-
-TEST_F(ContourIntersection, GivingAResultBackChangesNothing) {
-    auto result = FramedResult<ContourInstersectionProcessorResult>(0x5A);
-    const auto bytes = result.Bytes();
-    const std::size_t before = LiveBlocks();
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result.Bytes(), bytes);
-    EXPECT_EQ(LiveBlocks(), before);
+    Input input = InputOf(polygon, test);
+    input.Polygon.Points = nullptr;
+    ExpectRefusal<std::invalid_argument>(
+        input, "ContourIntersectionProcessorData.Polygon.Points is null; 4 points are needed");
+    input = InputOf(polygon, test);
+    input.TestContour.Points = nullptr;
+    ExpectRefusal<std::invalid_argument>(
+        input, "ContourIntersectionProcessorData.TestContour.Points is null; 2 points are needed");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <opencv2/imgproc.hpp>
@@ -10,116 +9,48 @@
 #include <vector>
 
 #include "Quarry/Memory.h"
-#include "Quarry/Quarry.h"
+#include "plain/ContourMaskProcessorDC.h"
 #include "support/Allocations.h"
+#include "support/Calls.h"
 #include "support/Footage.h"
-#include "support/Framed.h"
 #include "support/HugeFrame.h"
-#include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
 namespace {
 
 using namespace quarry::test;
-
 using Cells = std::vector<uint8_t>;
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr int kLowest = std::numeric_limits<int>::min();
 const float kJustAboveHalf = std::nextafter(0.5F, 1.0F);
-const cv::Scalar kWhite = cv::Scalar::all(255);
 
-cv::Mat FrameWith(const cv::Size& size, const cv::Rect& object, const cv::Scalar& color = kWhite) {
-    cv::Mat frame = BlackFrame(size.width, size.height);
-    frame(object).setTo(color);
-    return frame;
-}
-
-/// The integer before the fraction; the lowest one for what no integer holds.
-int Whole(float value) {
-    return value >= -2147483648.0F && value < 2147483648.0F ? static_cast<int>(std::trunc(value)) : kLowest;
-}
-
-/// The outlines of the frame that are not small, filled.
-cv::Mat ReferenceDrawing(const cv::Mat& frame, float fillRate, float areaRate) {
-    cv::Mat grey;
-    cv::cvtColor(frame, grey, cv::COLOR_RGB2GRAY);
-    std::vector<std::vector<cv::Point>> outlines;
-    cv::findContours(grey, outlines, cv::RETR_EXTERNAL,
-                     fillRate > 0.5F ? cv::CHAIN_APPROX_NONE : cv::CHAIN_APPROX_TC89_KCOS);
-    volatile float smallest = static_cast<float>(frame.rows * frame.cols) * areaRate;
-    cv::Mat drawing = cv::Mat::zeros(frame.size(), CV_8UC1);
-    for (const std::vector<cv::Point>& outline : outlines) {
-        if (!(cv::contourArea(outline) >= Whole(smallest))) continue;
-        cv::drawContours(drawing, std::vector<std::vector<cv::Point>>{outline}, 0, cv::Scalar(255), cv::FILLED);
-    }
-    return drawing;
-}
-
-/// The grid, pixel by pixel.
 Cells Reference(const cv::Mat& frame, const cv::Size& grid, float fillRate, float areaRate) {
-    const cv::Mat drawing = ReferenceDrawing(frame, fillRate, areaRate);
-    const int width = frame.cols / grid.width;
-    const int height = frame.rows / grid.height;
-    std::vector<int> counts(static_cast<std::size_t>(grid.area()), 0);
-    for (int y = 0; y < height * grid.height; ++y) {
-        for (int x = 0; x < width * grid.width; ++x) {
-            const int cell = y / height * grid.width + x / width;
-            if (drawing.at<uint8_t>(y, x) == 255) ++counts[static_cast<std::size_t>(cell)];
-        }
-    }
-    volatile float threshold = static_cast<float>(width * height) * fillRate;
-    Cells cells;
-    for (const int count : counts) cells.push_back(count > Whole(threshold) ? 1 : 0);
-    return cells;
+    return quarry::plain::OccupiedCells(quarry::plain::FilledBlobs(frame, fillRate, areaRate), grid, fillRate);
 }
 
-/// Processors, called through the drivers.
-class ContourMask : public testing::Test {
+class ContourMask : public ProcessorTest<operations::ContourGrid> {
 protected:
-    ContourMask() { Create(0.25F, 0.0F); }
-    ~ContourMask() override { Dispose(handle); }
+    ContourMask() : ProcessorTest({0, 0.25F, 0.0F}) {}
 
-    void Create(float fillRate, float areaRate) {
-        Dispose(handle);
-        auto options = FramedOptions<ContourMaskProcessorOptions>(0xA5);
-        options->CellFillRate = fillRate;
-        options->MinContourAreaRate = areaRate;
-        CreateCVContourMaskProcessor(&handle, options.record());
-    }
+    void Create(float fillRate, float areaRate) { ProcessorTest::Create({0, fillRate, areaRate}); }
 
-    static Framed<ContourMaskProcessorData> Input(const Image& image, const cv::Size& grid) {
-        auto input = FramedInput<ContourMaskProcessorData>(0xA5);
-        input->Image = image;
-        input->GridWidth = grid.width;
-        input->GridHeight = grid.height;
-        return input;
-    }
-
-    Cells Grid(const Image& image, const cv::Size& grid) {
-        auto input = Input(image, grid);
-        auto result = FramedResult<ContourMaskProcessorResult>(0xA5);
-        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-        EXPECT_EQ(result->Status, 0);
+    Cells Grid(const cv::Mat& frame, const cv::Size& grid) {
+        auto result = Call({0, ImageOf(frame), grid.width, grid.height});
         EXPECT_EQ(result->Mask->width, grid.width);
         EXPECT_EQ(result->Mask->height, grid.height);
         Cells cells(result->Mask->data, result->Mask->data + grid.area());
-        DestroyContourMaskProcessorResult(result.record());
+        DestroyContourMaskProcessorResult(result.operator->());
         return cells;
     }
-    Cells Grid(const cv::Mat& frame, const cv::Size& grid) { return Grid(ImageOf(frame), grid); }
 
-    /// A call that must throw, and change nothing.
     template <class Exception>
     void ExpectRefusal(const Image& image, const cv::Size& grid, const std::string& message = {}) {
         SCOPED_TRACE(testing::Message() << image.width << " x " << image.height << ", grid " << grid);
-        auto input = Input(image, grid);
-        const std::string said = RefusalOfInput<Exception, ContourMaskProcessorResult>(handle, input);
+        const std::string said = RefusalOf<Exception>({0, image, grid.width, grid.height});
         EXPECT_NE(said.find(message), std::string::npos) << said;
     }
-
-    void* handle = nullptr;
 };
 
 TEST_F(ContourMask, MarksTheFilledCellsOfRandomScenes) {
@@ -259,8 +190,8 @@ TEST_F(ContourMask, TracesEveryPixelAboveAFillRateOfAHalf) {
     int telling = 0;
     for (uint64_t seed = 0; seed < 40; ++seed) {
         const cv::Mat frame = RandomScene({33, 21}, seed);
-        const cv::Mat coarse = ReferenceDrawing(frame, 0.5F, 0.0F);
-        const cv::Mat exact = ReferenceDrawing(frame, 1.0F, 0.0F);
+        const cv::Mat coarse = quarry::plain::FilledBlobs(frame, 0.5F, 0.0F);
+        const cv::Mat exact = quarry::plain::FilledBlobs(frame, 1.0F, 0.0F);
         telling += cv::norm(coarse, exact, cv::NORM_INF) > 0 ? 1 : 0;
         // With a cell for each pixel the grid is the drawing: half of a pixel is none.
         Create(0.5F, 0.0F);
@@ -352,63 +283,23 @@ TEST_F(ContourMask, RefusesAFrameWithoutPixels) {
     }
 }
 
-TEST_F(ContourMask, WorksAfterAFailedCall) {
-    const cv::Mat frame = FrameWith({50, 30}, {30, 10, 10, 10});
-    ExpectRefusal<cv::Exception>({nullptr, 8, 6, 24, 0}, {2, 2});
-    EXPECT_EQ(Grid(frame, {5, 3}), Reference(frame, {5, 3}, 0.25F, 0.0F));
-}
-
-TEST_F(ContourMask, LeavesTheFrameAsItIs) {
-    const cv::Mat frame = RandomFrame(33, 21, 1);
-    const cv::Mat before = frame.clone();
-    Grid(frame, {4, 4});
-    EXPECT_EQ(std::memcmp(frame.data, before.data, frame.total() * 3), 0);
-}
-
-TEST_F(ContourMask, ReadsThePixelsAsPackedWhateverTheStride) {
-    const cv::Mat frame = RandomScene({33, 21}, 5);
-    for (const int stride : {0, -1, 99, 100, 400}) {
-        Image image = ImageOf(frame, 0x8123456789ABCDEF);
-        image.stride = stride;
-        EXPECT_EQ(Grid(image, {8, 5}), Reference(frame, {8, 5}, 0.25F, 0.0F)) << "stride " << stride;
-    }
-}
-
-TEST_F(ContourMask, LeavesThePaddingOfTheHostsRecordAsItIs) {
-    const cv::Mat frame = BlackFrame(9, 7);
-    auto input = Input(ImageOf(frame), {3, 3});
-    auto result = FramedResult<ContourMaskProcessorResult>(0xC3);
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    const auto bytes = result.Bytes();
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xC3) << "byte " << i;
-    DestroyContourMaskProcessorResult(result.record());
-}
-
 TEST_F(ContourMask, GivingAResultBackLeavesTheMaskInPlace) {
     const cv::Mat frame = FrameWith({50, 30}, {30, 10, 10, 10});
     const Cells expected = Grid(frame, {5, 3});
-    auto input = Input(ImageOf(frame), {5, 3});
+    auto input = FramedInput<ContourMaskProcessorData>();
+    *input = {0, ImageOf(frame), 5, 3};
     auto result = FramedResult<ContourMaskProcessorResult>(0xA5);
     const std::size_t before = LiveBlocks();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    Process(handle.get(), input.as<ProcessData>(), result.as<ProcessResult>());
     EXPECT_EQ(LiveBlocks(), before + 2);
     const auto bytes = result.Bytes();
-    DisposeResult(handle, result.as<ProcessResult>());
+    DisposeResult(handle.get(), result.as<ProcessResult>());
     EXPECT_EQ(LiveBlocks(), before + 2);
     EXPECT_EQ(result.Bytes(), bytes);
     EXPECT_EQ(Cells(result->Mask->data, result->Mask->data + 15), expected);
     DestroyContourMaskProcessorResult(result.record());
     EXPECT_EQ(LiveBlocks(), before);
     EXPECT_EQ(result->Mask, nullptr);
-}
-
-TEST_F(ContourMask, GivingBackAResultWithoutAMaskChangesNothing) {
-    auto result = FramedResult<ContourMaskProcessorResult>(0x5A);
-    result->Mask = nullptr;
-    const auto before = result.Bytes();
-    DisposeResult(handle, result.as<ProcessResult>());
-    DestroyContourMaskProcessorResult(result.record());
-    EXPECT_EQ(result.Bytes(), before);
 }
 
 }  // namespace

@@ -10,25 +10,17 @@
 #include <utility>
 #include <vector>
 
-#include "Quarry/Quarry.h"
-#include "support/Allocations.h"
-#include "support/Framed.h"
-#include "support/RefusedInput.h"
+#include "plain/ContourRateMeasuringProcessor.h"
+#include "support/Calls.h"
 
 namespace {
 
 using namespace quarry::test;
+using quarry::plain::SameBits;
 
 using Points = std::vector<FloatPoint>;
 
 constexpr int kLowest = std::numeric_limits<int>::min();
-
-/// A number as its bits, to compare what is not a number too.
-uint64_t Bits(double value) {
-    uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof(bits));
-    return bits;
-}
 
 double NanWithPayload() {
     const uint64_t bits = 0x7FF800000BADCAFE;
@@ -42,76 +34,45 @@ const Points kQuadrangle = {{0.1F, 0.1F}, {0.1F, 0.4F}, {0.9F, 0.9F}, {0.6F, 0.1
 
 /// An input record and the points that it shows.
 struct Shapes {
-    Shapes(Points currentPoints, Points previousPoints, const cv::Size& frame = {640, 480}, double interval = 1000,
-           unsigned char unread = 0xA5)
+    Shapes(Points currentPoints, Points previousPoints, const cv::Size& frame = {640, 480}, double interval = 1000)
         : current(std::move(currentPoints)),
           previous(std::move(previousPoints)),
-          record(FramedInput<ContourRateMeasuringInputData>(unread)) {
-        record->CurrentContour.Points = current.data();
-        record->CurrentContour.Count = static_cast<int32_t>(current.size());
-        record->PreviousContour.Points = previous.data();
-        record->PreviousContour.Count = static_cast<int32_t>(previous.size());
-        record->FrameWidth = static_cast<int16_t>(frame.width);
-        record->FrameHeight = static_cast<int16_t>(frame.height);
-        record->DefaultRate = 77.0;
-        record->Interval = interval;
-    }
+          record{0,
+                 {current.data(), static_cast<int32_t>(current.size()), 0, 0},
+                 {previous.data(), static_cast<int32_t>(previous.size()), 0, 0},
+                 static_cast<int16_t>(frame.width),
+                 static_cast<int16_t>(frame.height),
+                 77.0,
+                 interval} {}
 
     Points current, previous;
-    Framed<ContourRateMeasuringInputData> record;
+    ContourRateMeasuringInputData record;
 };
 
-/// One processor, called through the drivers.
-class ContourRate : public testing::Test {
+class ContourRate : public ProcessorTest<operations::ContourRate> {
 protected:
-    ContourRate() { Create(cv::CONTOURS_MATCH_I1); }
-    ~ContourRate() override { Dispose(handle); }
+    ContourRate() : ProcessorTest({0, 0, cv::CONTOURS_MATCH_I1}) {}
 
-    void Create(int method, unsigned char unread = 0xA5) {
-        Dispose(handle);
-        auto options = FramedOptions<ContourRateMeasuringOptions>(unread);
-        options->MatchMethod = method;
-        CreateCVContourRateCalculator(&handle, options.record());
-    }
+    void Create(int method) { ProcessorTest::Create({0, 0, method}); }
 
-    double Rate(Shapes& shapes) {
-        auto result = FramedResult<ContourRateMeasuringOutputData>(0xA5);
-        Process(handle, shapes.record.as<ProcessData>(), result.as<ProcessResult>());
-        EXPECT_EQ(result->Status, 0);
-        return result->Rate;
-    }
+    double Rate(const Shapes& shapes) { return Call(shapes.record)->Rate; }
     double Rate(const Points& current, const Points& previous, const cv::Size& frame = {640, 480},
                 double interval = 1000) {
-        Shapes shapes(current, previous, frame, interval);
-        return Rate(shapes);
+        return Rate(Shapes(current, previous, frame, interval));
     }
 
-    /// A call that must throw, and change nothing.
     template <class Exception>
-    void ExpectRefusal(Shapes& shapes, const std::string& message = {}) {
-        const std::string said = RefusalOfInput<Exception, ContourRateMeasuringOutputData>(handle, shapes.record);
-        EXPECT_NE(said.find(message), std::string::npos) << said;
+    void ExpectRefusal(const Shapes& shapes, const std::string& message = {}) {
+        ProcessorTest::ExpectRefusal<Exception>(shapes.record, message);
     }
-
-    void* handle = nullptr;
 };
 
-/// A product in single precision without its fraction; the lowest integer where no integer is near.
-int Pixel(float place, int length) {
-    volatile float product = place * static_cast<float>(length);
-    const bool fits = product >= -2147483648.0F && product < 2147483648.0F;
-    return fits ? static_cast<int>(std::trunc(product)) : kLowest;
-}
-
 std::vector<cv::Point> Pixels(const Points& points, const cv::Size& frame) {
-    std::vector<cv::Point> pixels;
-    for (const FloatPoint& point : points)
-        pixels.emplace_back(Pixel(point.X, frame.width), Pixel(point.Y, frame.height));
-    return pixels;
+    return quarry::plain::PixelsOf(points, frame);
 }
 
 double Distance(const Points& current, const Points& previous, const cv::Size& frame, int method) {
-    return cv::matchShapes(Pixels(current, frame), Pixels(previous, frame), method, 0.0);
+    return quarry::plain::ShapeDistance(current, previous, frame, method);
 }
 
 Points RandomContour(cv::RNG& random) {
@@ -135,7 +96,7 @@ TEST_F(ContourRate, IsTheDistanceOfTheShapesPerSecond) {
             const Points current = RandomContour(random);
             const Points previous = RandomContour(random);
             const double expected = Distance(current, previous, frame, method) / (interval / 1000.0);
-            EXPECT_EQ(Bits(Rate(current, previous, frame, interval)), Bits(expected))
+            EXPECT_TRUE(SameBits(Rate(current, previous, frame, interval), expected))
                 << "method " << method << ", seed " << seed << ", " << frame;
         }
     }
@@ -226,7 +187,7 @@ TEST_F(ContourRate, TakesPlacesThatNoPixelHasForTheLowestOne) {
         Points odd = kQuadrangle;
         odd[1].X = place;
         odd[2].Y = place;
-        EXPECT_EQ(Bits(Rate(odd, kTriangle, {640, 480})), Bits(Distance(odd, kTriangle, {640, 480}, 1))) << place;
+        EXPECT_TRUE(SameBits(Rate(odd, kTriangle, {640, 480}), Distance(odd, kTriangle, {640, 480}, 1))) << place;
     }
 }
 
@@ -234,8 +195,9 @@ TEST_F(ContourRate, IsTheDefaultRateBitForBitWhenTheFrameHasNoSize) {
     for (const cv::Size& frame : {cv::Size(0, 480), cv::Size(640, 0), cv::Size(0, 0)}) {
         for (const double rate : {NanWithPayload(), -0.0, 1e-310, 12.5}) {
             Shapes shapes(kTriangle, kQuadrangle, frame);
-            shapes.record->DefaultRate = rate;
-            EXPECT_EQ(Bits(Rate(shapes)), Bits(rate)) << frame << ", " << rate;
+            shapes.record.DefaultRate = rate;
+            const double given = Rate(shapes);
+            EXPECT_EQ(std::memcmp(&given, &rate, sizeof(rate)), 0) << frame << ", " << rate;
         }
     }
 }
@@ -243,10 +205,10 @@ TEST_F(ContourRate, IsTheDefaultRateBitForBitWhenTheFrameHasNoSize) {
 TEST_F(ContourRate, DoesNotLookAtTheContoursWhenTheFrameHasNoSize) {
     Create(99);  // a method that nothing knows
     Shapes shapes(kTriangle, kQuadrangle, {0, 480});
-    shapes.record->CurrentContour.Points = nullptr;
-    shapes.record->PreviousContour.Count = -1;
+    shapes.record.CurrentContour.Points = nullptr;
+    shapes.record.PreviousContour.Count = -1;
     EXPECT_EQ(Rate(shapes), 77.0);
-    shapes.record->CurrentContour.Count = kLowest;
+    shapes.record.CurrentContour.Count = kLowest;
     EXPECT_EQ(Rate(shapes), 77.0);
 }
 
@@ -254,23 +216,23 @@ TEST_F(ContourRate, FailsAsAnAllocationForANegativeCount) {
     for (const int count : {-1, kLowest}) {
         SCOPED_TRACE(count);
         Shapes shapes(kTriangle, kQuadrangle);
-        shapes.record->CurrentContour.Count = count;
+        shapes.record.CurrentContour.Count = count;
         ExpectRefusal<std::bad_alloc>(shapes);
         Shapes others(kTriangle, kQuadrangle);
-        others.record->PreviousContour.Count = count;
+        others.record.PreviousContour.Count = count;
         ExpectRefusal<std::bad_alloc>(others);
-        others.record->PreviousContour.Points = nullptr;
+        others.record.PreviousContour.Points = nullptr;
         ExpectRefusal<std::bad_alloc>(others);
     }
 }
 
 TEST_F(ContourRate, RefusesNullPointsWhereSomeAreCounted) {
     Shapes shapes(kTriangle, kQuadrangle);
-    shapes.record->CurrentContour.Points = nullptr;
+    shapes.record.CurrentContour.Points = nullptr;
     ExpectRefusal<std::invalid_argument>(
         shapes, "ContourRateMeasuringInputData.CurrentContour.Points is null; 3 points are needed");
     Shapes others(kTriangle, kQuadrangle);
-    others.record->PreviousContour.Points = nullptr;
+    others.record.PreviousContour.Points = nullptr;
     ExpectRefusal<std::invalid_argument>(
         others, "ContourRateMeasuringInputData.PreviousContour.Points is null; 4 points are needed");
 }
@@ -283,66 +245,6 @@ TEST_F(ContourRate, RefusesAMatchMethodThatOpenCvDoesNotKnow) {
         Shapes shapes(kTriangle, kQuadrangle);
         ExpectRefusal<cv::Exception>(shapes);
     }
-}
-
-TEST_F(ContourRate, FailsWithoutALossWhenMemoryRunsOut) {
-    Rate(kTriangle, kQuadrangle);
-    for (const std::size_t served : {0U, 1U}) {
-        SCOPED_TRACE(served);
-        Shapes shapes(kTriangle, kQuadrangle);
-        auto result = FramedResult<ContourRateMeasuringOutputData>(0xA5);
-        const std::size_t before = LiveBlocks();
-        {
-            const FailingAllocation failure(served);
-            EXPECT_THROW(Process(handle, shapes.record.as<ProcessData>(), result.as<ProcessResult>()), std::bad_alloc);
-        }
-        EXPECT_EQ(LiveBlocks(), before);
-        for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
-    }
-}
-
-TEST_F(ContourRate, LeavesThePaddingOfTheHostsRecordAsItIs) {
-    Shapes shapes(kTriangle, kQuadrangle);
-    auto result = FramedResult<ContourRateMeasuringOutputData>(0xC3);
-    Process(handle, shapes.record.as<ProcessData>(), result.as<ProcessResult>());
-    const auto bytes = result.Bytes();
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xC3) << "byte " << i;
-}
-
-TEST_F(ContourRate, DoesNotReadTheReservedBytes) {
-    const double expected = Distance(kTriangle, kQuadrangle, {640, 480}, 2);
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char unread : fills) {
-        Create(2, unread);
-        Shapes shapes(kTriangle, kQuadrangle, {640, 480}, 1000, unread);
-        EXPECT_EQ(Rate(shapes), expected) << "filled with " << int{unread};
-    }
-}
-
-TEST_F(ContourRate, LeavesTheContoursAsTheyAre) {
-    Shapes shapes(kTriangle, kQuadrangle);
-    const auto before = shapes.record.Bytes();
-    Rate(shapes);
-    EXPECT_EQ(shapes.record.Bytes(), before);
-    EXPECT_EQ(std::memcmp(shapes.current.data(), kTriangle.data(), kTriangle.size() * sizeof(FloatPoint)), 0);
-    EXPECT_EQ(std::memcmp(shapes.previous.data(), kQuadrangle.data(), kQuadrangle.size() * sizeof(FloatPoint)), 0);
-}
-
-TEST_F(ContourRate, KeepsNothingInMemory) {
-    Shapes shapes(kTriangle, kQuadrangle);
-    Rate(shapes);
-    const std::size_t before = LiveBlocks();
-    Rate(shapes);
-    EXPECT_EQ(LiveBlocks(), before);
-}
-
-TEST_F(ContourRate, GivingAResultBackChangesNothing) {
-    auto result = FramedResult<ContourRateMeasuringOutputData>(0x5A);
-    const auto bytes = result.Bytes();
-    const std::size_t before = LiveBlocks();
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result.Bytes(), bytes);
-    EXPECT_EQ(LiveBlocks(), before);
 }
 
 /// The same, where the process must end. Each runs in a process of its own.
@@ -383,7 +285,7 @@ TEST_F(ContourRateDeath, EndsTheProcessAlsoWhenTheFrameHasNoSize) {
 
 TEST_F(ContourRateDeath, EndsTheProcessBeforeTheOtherContourFailsAsAnAllocation) {
     Shapes shapes(kTriangle, {});
-    shapes.record->CurrentContour.Count = -1;
+    shapes.record.CurrentContour.Count = -1;
     ExpectDeath(shapes, Assertion(6, "data\\.PreviousContour\\.Count"));
 }
 

@@ -2,20 +2,20 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <opencv2/core.hpp>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "Quarry/Quarry.h"
-#include "support/Framed.h"
-#include "support/RefusedInput.h"
+#include "plain/CosineSimilarity.h"
+#include "plain/Steps.h"
+#include "support/Calls.h"
 
 namespace {
 
 using namespace quarry::test;
+using quarry::plain::SameBits;
 
 using Embedding = std::vector<float>;
 
@@ -37,35 +37,9 @@ Embedding Axis(std::size_t place) {
     return values;
 }
 
-/// One processor, called through the drivers.
-class CosineSimilarity : public testing::Test {
+class CosineSimilarity : public ProcessorTest<operations::CosineSimilarity> {
 protected:
-    CosineSimilarity() {
-        auto options = FramedOptions<ProcessOptions>(0xA5);
-        CreateCVCosineSimilarity(&handle, options.record());
-    }
-    ~CosineSimilarity() override { Dispose(handle); }
-
-    /// @param unread  what the bytes hold that the library has no business reading
-    double Compare(const Embedding& a, const Embedding& b, unsigned char unread = 0xA5) {
-        auto input = FramedInput<EmbeddingData>(unread);
-        input->FirstEmbedding = a.data();
-        input->SecondEmbedding = b.data();
-        auto result = FramedResult<CosineOutputData>(0xA5);
-        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-        EXPECT_EQ(result->Status, 0);
-        return result->Similarity;
-    }
-
-    /// A call that must throw, and change nothing.
-    void ExpectRefusal(const float* first, const float* second, const std::string& message) {
-        auto input = FramedInput<EmbeddingData>();
-        input->FirstEmbedding = first;
-        input->SecondEmbedding = second;
-        EXPECT_EQ((RefusalOfInput<std::invalid_argument, CosineOutputData>(handle, input)), message);
-    }
-
-    void* handle = nullptr;
+    double Compare(const Embedding& a, const Embedding& b) { return Call({0, 0, a.data(), 0, b.data()})->Similarity; }
 };
 
 /// Rounds to a float here and now, whatever the compiler would rather do.
@@ -79,34 +53,13 @@ double Rounded(double value) {
 }
 
 double FloatDot(const Embedding& a, const Embedding& b) {
-    float sum = 0.0F;
-    for (std::size_t i = 0; i != kLength; i++) sum = Rounded(sum + Rounded(a[i] * b[i]));
-    return sum;
+    return quarry::plain::FloatDot(a.data(), b.data());
 }
-
 double GroupedNorm(const Embedding& v) {
-    double total = 0.0;
-    double group = 0.0;
-    for (std::size_t i = 0; i != kLength; i++) {
-        const double square = Rounded(static_cast<double>(v[i]) * static_cast<double>(v[i]));
-        group = i % 4 == 0 ? square : Rounded(group + square);
-        if (i % 4 == 3) total = Rounded(total + group);
-    }
-    return std::sqrt(total);
+    return quarry::plain::GroupedNorm(v.data());
 }
-
 double Reference(const Embedding& a, const Embedding& b) {
-    return FloatDot(a, b) / (GroupedNorm(a) * GroupedNorm(b));
-}
-
-uint64_t BitsOf(double value) {
-    uint64_t bits;
-    std::memcpy(&bits, &value, sizeof(bits));
-    return bits;
-}
-
-bool SameBits(double a, double b) {
-    return BitsOf(a) == BitsOf(b) || (std::isnan(a) && std::isnan(b));
+    return quarry::plain::Cosine(a.data(), b.data());
 }
 
 TEST_F(CosineSimilarity, EqualsThePlainSumsBitForBit) {
@@ -282,57 +235,14 @@ TEST_F(CosineSimilarity, KeepsDenormalValuesAndProducts) {
     EXPECT_NEAR(Compare(tiny, one), 1.0, 1e-3);
 }
 
-TEST_F(CosineSimilarity, TakesOneEmbeddingTwice) {
-    const Embedding a = RandomEmbedding(6);
-    EXPECT_TRUE(SameBits(Compare(a, a), Compare(a, RandomEmbedding(6))));
-}
-
-TEST_F(CosineSimilarity, DoesNotReadTheReservedWords) {
-    const Embedding a = RandomEmbedding(6);
-    const Embedding b = RandomEmbedding(7);
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char unread : fills) {
-        EXPECT_TRUE(SameBits(Compare(a, b, unread), Reference(a, b))) << "filled with " << int{unread};
-    }
-}
-
-TEST_F(CosineSimilarity, LeavesTheEmbeddingsAsTheyAre) {
-    const Embedding a = RandomEmbedding(6);
-    const Embedding b = RandomEmbedding(7);
-    Compare(a, b);
-    EXPECT_EQ(a, RandomEmbedding(6));
-    EXPECT_EQ(b, RandomEmbedding(7));
-}
-
-TEST_F(CosineSimilarity, LeavesThePaddingOfTheHostsRecordAsItIs) {
-    const Embedding a = RandomEmbedding(6);
-    auto input = FramedInput<EmbeddingData>();
-    input->FirstEmbedding = a.data();
-    input->SecondEmbedding = a.data();
-    auto result = FramedResult<CosineOutputData>(0xC3);
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    const auto bytes = result.Bytes();
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xC3) << "byte " << i;
-}
-
 TEST_F(CosineSimilarity, RefusesANullEmbedding) {
     const Embedding a = RandomEmbedding(6);
-    ExpectRefusal(nullptr, a.data(), "EmbeddingData.FirstEmbedding is null; 512 values are needed");
-    ExpectRefusal(a.data(), nullptr, "EmbeddingData.SecondEmbedding is null; 512 values are needed");
-    ExpectRefusal(nullptr, nullptr, "EmbeddingData.FirstEmbedding is null; 512 values are needed");
-}
-
-TEST_F(CosineSimilarity, WorksAfterAFailedCall) {
-    const Embedding a = RandomEmbedding(6);
-    const Embedding b = RandomEmbedding(7);
-    ExpectRefusal(nullptr, a.data(), "EmbeddingData.FirstEmbedding is null; 512 values are needed");
-    EXPECT_TRUE(SameBits(Compare(a, b), Reference(a, b)));
-}
-
-TEST_F(CosineSimilarity, GivingAResultBackChangesNothing) {
-    auto result = FramedResult<CosineOutputData>(0x5A);
-    DisposeResult(handle, result.as<ProcessResult>());
-    for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0x5A);
+    ExpectRefusal<std::invalid_argument>({0, 0, nullptr, 0, a.data()},
+                                         "EmbeddingData.FirstEmbedding is null; 512 values are needed");
+    ExpectRefusal<std::invalid_argument>({0, 0, a.data(), 0, nullptr},
+                                         "EmbeddingData.SecondEmbedding is null; 512 values are needed");
+    ExpectRefusal<std::invalid_argument>({0, 0, nullptr, 0, nullptr},
+                                         "EmbeddingData.FirstEmbedding is null; 512 values are needed");
 }
 
 }  // namespace

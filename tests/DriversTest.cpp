@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
 #include <memory>
-#include <new>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -15,19 +13,10 @@
 #include "Quarry/Quarry.h"
 #include "support/Allocations.h"
 #include "support/Framed.h"
-#include "support/WrongFrames.h"
 
 namespace {
 
-using quarry::test::AllocationLog;
-using quarry::test::Apply;
-using quarry::test::FailingAllocation;
-using quarry::test::FramedInput;
-using quarry::test::FramedOptions;
-using quarry::test::FramedResult;
-using quarry::test::LiveBlocks;
-using quarry::test::WrongFrame;
-using quarry::test::WrongFrames;
+using namespace quarry::test;
 
 /// One call that reached a fake, with the records it was given.
 struct Call {
@@ -249,118 +238,6 @@ TEST_F(Drivers, AllocateNothingOnTheWayToAProcessor) {
     Process(&handle, data.as<ProcessData>(), filled.as<ProcessResult>());
     DisposeResult(&handle, filled.as<ProcessResult>());
     EXPECT_EQ(log.Sizes(), std::vector<std::size_t>{});
-}
-
-// ---- factories
-
-template <class Options>
-struct Factory {
-    const char* name;
-    void (*create)(void** handle, Options* options);
-};
-
-/// Calls `test` with the factory of a processor and with that of an updater.
-template <class Test>
-void ForEitherFactory(Test test) {
-    test(Factory<ProcessOptions>{"CreateCVLaplacianVarianceProcessor", CreateCVLaplacianVarianceProcessor});
-    test(Factory<BackgroundOptions>{"CreateCVBackgroundModel", CreateCVBackgroundModel});
-}
-
-void* const kUntouched = reinterpret_cast<void*>(0x5EED);
-
-template <class Options>
-auto FramedOptionsOf(const Factory<Options>& /*factory*/) {
-    return FramedOptions<Options>();
-}
-
-TEST(Factories, WriteAHandleThatDisposeEnds) {
-    ForEitherFactory([](const auto& factory) {
-        auto options = FramedOptionsOf(factory);
-        const std::size_t live = LiveBlocks();
-        void* handle = nullptr;
-        factory.create(&handle, options.record());
-        ASSERT_NE(handle, nullptr) << factory.name;
-        Dispose(handle);
-        EXPECT_EQ(LiveBlocks(), live) << factory.name;
-    });
-}
-
-TEST(Factories, OverwriteWhatTheHostHadInTheHandle) {
-    ForEitherFactory([](const auto& factory) {
-        auto options = FramedOptionsOf(factory);
-        void* handle = kUntouched;
-        factory.create(&handle, options.record());
-        EXPECT_NE(handle, kUntouched) << factory.name;
-        Dispose(handle);
-    });
-}
-
-TEST(Factories, KeepNothingWhenTheOptionsFrameIsWrong) {
-    ForEitherFactory([](const auto& factory) {
-        auto options = FramedOptionsOf(factory);
-        for (const WrongFrame& frame : WrongFrames(sizeof(*options), QUARRY_OPTIONS_TAG)) {
-            Apply(frame, options);
-            const std::size_t live = LiveBlocks();
-            void* handle = kUntouched;
-            EXPECT_THROW(factory.create(&handle, options.record()), MarshalingException) << factory.name << frame;
-            EXPECT_EQ(LiveBlocks(), live) << factory.name << ", " << frame;
-            EXPECT_EQ(handle, kUntouched) << factory.name << ", " << frame;
-        }
-    });
-}
-
-TEST(Factories, KeepNothingWhenMemoryEnds) {
-    constexpr std::size_t kHandleAndTarget = 2;
-    ForEitherFactory([](const auto& factory) {
-        auto options = FramedOptionsOf(factory);
-        for (std::size_t served = 0; served < kHandleAndTarget; ++served) {
-            const std::size_t live = LiveBlocks();
-            void* handle = kUntouched;
-            bool thrown = false;
-            {
-                const FailingAllocation failing(served);
-                try {
-                    factory.create(&handle, options.record());
-                } catch (const std::bad_alloc&) {
-                    thrown = true;
-                }
-            }
-            EXPECT_TRUE(thrown) << factory.name << " after " << served << " allocations";
-            EXPECT_EQ(LiveBlocks(), live) << factory.name << " after " << served << " allocations";
-            EXPECT_EQ(handle, kUntouched) << factory.name << " after " << served << " allocations";
-        }
-    });
-}
-
-TEST(Factories, ThrowInvalidArgumentForNullOptions) {
-    ForEitherFactory([](const auto& factory) {
-        const std::size_t live = LiveBlocks();
-        void* handle = kUntouched;
-        EXPECT_THROW(factory.create(&handle, nullptr), std::invalid_argument) << factory.name;
-        EXPECT_EQ(handle, kUntouched) << factory.name;
-        EXPECT_EQ(LiveBlocks(), live) << factory.name;
-    });
-}
-
-TEST(Factories, ThrowInvalidArgumentForANullAddressOfTheHandle) {
-    ForEitherFactory([](const auto& factory) {
-        auto options = FramedOptionsOf(factory);
-        const std::size_t live = LiveBlocks();
-        EXPECT_THROW(factory.create(nullptr, options.record()), std::invalid_argument) << factory.name;
-        EXPECT_EQ(LiveBlocks(), live) << factory.name;
-    });
-}
-
-TEST(Factories, LeaveTheHostsOptionsAsTheyAre) {
-    ForEitherFactory([](const auto& factory) {
-        auto options = FramedOptionsOf(factory);
-        std::memset(options.record(), 0x3A, sizeof(*options));
-        const auto before = options.Bytes();
-        void* handle = nullptr;
-        factory.create(&handle, options.record());
-        EXPECT_EQ(options.Bytes(), before) << factory.name;
-        Dispose(handle);
-    });
 }
 
 }  // namespace

@@ -10,59 +10,23 @@
 #include <string>
 #include <vector>
 
-#include "Quarry/Quarry.h"
 #include "support/Allocations.h"
+#include "support/Calls.h"
 #include "support/Footage.h"
-#include "support/Framed.h"
-#include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
 namespace {
 
 using namespace quarry::test;
-
 constexpr int kLowest = std::numeric_limits<int32_t>::min();
 
-/// A result of the filter, given back at the end.
-class Denoised {
-public:
-    Denoised(void* filter, const Image& image) : handle(filter) {
-        auto input = FramedInput<FilterData>(0xA5);
-        input->Image = image;
-        Process(handle, input.as<ProcessData>(), record.as<ProcessResult>());
-    }
-    Denoised(const Denoised&) = delete;
-    Denoised& operator=(const Denoised&) = delete;
-    ~Denoised() { DisposeResult(handle, record.as<ProcessResult>()); }
-
-    const Image* operator->() { return record->Image; }
-
-    Framed<FilterResult> record = FramedResult<FilterResult>(0xA5);
-
-private:
-    void* handle;
-};
-
-/// One filter, called through the drivers.
-class FastNlMeansDenoisingFilter : public testing::Test {
+class FastNlMeansDenoisingFilter : public ProcessorTest<operations::FastNlMeansDenoising> {
 protected:
-    FastNlMeansDenoisingFilter() {
-        auto options = FramedOptions<FilterOptions>(0xA5);
-        CreateCVFastNlMeansDenoisingFilter(&handle, options.record());
-    }
-    ~FastNlMeansDenoisingFilter() override { Dispose(handle); }
-
-    /// A call that must throw, and change nothing.
     template <class Exception>
     void ExpectRefusal(const Image& image, const std::string& message = {}) {
         SCOPED_TRACE(testing::Message() << image.width << " x " << image.height << ", stride " << image.stride);
-        auto input = FramedInput<FilterData>();
-        input->Image = image;
-        const std::string said = RefusalOfInput<Exception, FilterResult>(handle, input);
-        EXPECT_TRUE(message.empty() || said == message) << said;
+        ProcessorTest::ExpectRefusal<Exception>({0, image}, message);
     }
-
-    void* handle = nullptr;
 };
 
 cv::Mat Reference(const cv::Mat& frame) {
@@ -90,8 +54,8 @@ TEST_F(FastNlMeansDenoisingFilter, EqualsThePlainCallOnFramesOfAnySize) {
         for (uint64_t seed = 0; seed < 3; ++seed) {
             for (const cv::Mat& frame :
                  {RandomFrame(size.width, size.height, seed), NoisyScene(size.width, size.height, seed)}) {
-                Denoised denoised(handle, ImageOf(frame));
-                EXPECT_TRUE(StartsWith(denoised->data, Reference(frame))) << size << ", seed " << seed;
+                auto denoised = Call({0, ImageOf(frame)});
+                EXPECT_TRUE(StartsWith(denoised->Image->data, Reference(frame))) << size << ", seed " << seed;
             }
         }
     }
@@ -102,8 +66,8 @@ TEST_F(FastNlMeansDenoisingFilter, EqualsThePlainCallOnRealFrames) {
     if (frames.empty()) GTEST_SKIP() << "no footage in " << MediaDirectory();
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const cv::Mat part = frames[i](cv::Rect(40 * static_cast<int>(i), 200, 160, 120)).clone();
-        Denoised denoised(handle, ImageOf(part));
-        EXPECT_TRUE(StartsWith(denoised->data, Reference(part))) << "frame " << i;
+        auto denoised = Call({0, ImageOf(part)});
+        EXPECT_TRUE(StartsWith(denoised->Image->data, Reference(part))) << "frame " << i;
     }
 }
 
@@ -113,15 +77,15 @@ TEST_F(FastNlMeansDenoisingFilter, EqualsThePlainCallOnPictures) {
         if (picture.empty()) GTEST_SKIP() << "no " << name << " in " << MediaDirectory();
         cv::Mat small;
         cv::resize(picture, small, {161, 117}, 0, 0, cv::INTER_AREA);
-        Denoised denoised(handle, ImageOf(small));
-        EXPECT_TRUE(StartsWith(denoised->data, Reference(small))) << name;
+        auto denoised = Call({0, ImageOf(small)});
+        EXPECT_TRUE(StartsWith(denoised->Image->data, Reference(small))) << name;
     }
 }
 
 TEST_F(FastNlMeansDenoisingFilter, EveryConstantCounts) {
     // A frame on which another strength or window gives another picture, so that equality above says something.
     const cv::Mat frame = NoisyScene(64, 48, 5);
-    Denoised denoised(handle, ImageOf(frame));
+    auto denoised = Call({0, ImageOf(frame)});
     struct Constants {
         float strength, colorStrength;
         int templateWindow, searchWindow;
@@ -130,7 +94,7 @@ TEST_F(FastNlMeansDenoisingFilter, EveryConstantCounts) {
                                Constants{10.0F, 10.0F, 5, 21}, Constants{10.0F, 10.0F, 7, 19}}) {
         cv::Mat other;
         cv::fastNlMeansDenoisingColored(frame, other, c.strength, c.colorStrength, c.templateWindow, c.searchWindow);
-        EXPECT_FALSE(StartsWith(denoised->data, other))
+        EXPECT_FALSE(StartsWith(denoised->Image->data, other))
             << c.strength << ", " << c.colorStrength << ", " << c.templateWindow << ", " << c.searchWindow;
     }
 }
@@ -142,8 +106,8 @@ TEST_F(FastNlMeansDenoisingFilter, BringsANoisyFrameCloserToTheCleanOne) {
     random.fill(noise, cv::RNG::NORMAL, 0, 8);
     cv::Mat noisy;
     cv::add(clean, noise, noisy, cv::noArray(), CV_8U);
-    Denoised denoised(handle, ImageOf(noisy));
-    const cv::Mat result(48, 64, CV_8UC3, denoised->data);
+    auto denoised = Call({0, ImageOf(noisy)});
+    const cv::Mat result(48, 64, CV_8UC3, denoised->Image->data);
     EXPECT_LT(cv::norm(result, clean), 0.4 * cv::norm(noisy, clean));
 }
 
@@ -156,28 +120,28 @@ TEST_F(FastNlMeansDenoisingFilter, GivesBackAUniformFrameButForTheRoundingOfItsC
         cv::Mat andBack;
         cv::cvtColor(frame, there, cv::COLOR_LBGR2Lab);
         cv::cvtColor(there, andBack, cv::COLOR_Lab2LBGR);
-        Denoised denoised(handle, ImageOf(frame));
-        EXPECT_TRUE(StartsWith(denoised->data, andBack)) << color;
+        auto denoised = Call({0, ImageOf(frame)});
+        EXPECT_TRUE(StartsWith(denoised->Image->data, andBack)) << color;
         EXPECT_LE(cv::norm(andBack, frame, cv::NORM_INF), 5) << color;
     }
 }
 
 TEST_F(FastNlMeansDenoisingFilter, GivesBackABlackFrame) {
     const cv::Mat frame = cv::Mat::zeros(9, 11, CV_8UC3);
-    Denoised denoised(handle, ImageOf(frame));
-    EXPECT_TRUE(StartsWith(denoised->data, frame));
+    auto denoised = Call({0, ImageOf(frame)});
+    EXPECT_TRUE(StartsWith(denoised->Image->data, frame));
 }
 
 TEST_F(FastNlMeansDenoisingFilter, GivesTheFramesGeometryAndTimestamp) {
     const cv::Mat frame = RandomFrame(17, 13, 1);
     Image image = ImageOf(frame, 0x8123456789ABCDEF);
     image.stride = 64;
-    Denoised denoised(handle, image);
-    EXPECT_EQ(denoised.record->Status, 0);
-    EXPECT_EQ(denoised->width, 17);
-    EXPECT_EQ(denoised->height, 13);
-    EXPECT_EQ(denoised->stride, 64);
-    EXPECT_EQ(denoised->timestamp, 0x8123456789ABCDEF);
+    auto denoised = Call({0, image});
+    EXPECT_EQ(denoised->Status, 0);
+    EXPECT_EQ(denoised->Image->width, 17);
+    EXPECT_EQ(denoised->Image->height, 13);
+    EXPECT_EQ(denoised->Image->stride, 64);
+    EXPECT_EQ(denoised->Image->timestamp, 0x8123456789ABCDEF);
 }
 
 TEST_F(FastNlMeansDenoisingFilter, PacksTheRowsAndLeavesTheRestOfTheBufferAsAllocated) {
@@ -185,10 +149,10 @@ TEST_F(FastNlMeansDenoisingFilter, PacksTheRowsAndLeavesTheRestOfTheBufferAsAllo
     for (const int stride : {51, 52, 64, 200}) {
         Image image = ImageOf(frame);
         image.stride = stride;
-        Denoised denoised(handle, image);
-        EXPECT_TRUE(StartsWith(denoised->data, Reference(frame))) << "stride " << stride;
+        auto denoised = Call({0, image});
+        EXPECT_TRUE(StartsWith(denoised->Image->data, Reference(frame))) << "stride " << stride;
         const int rest = 13 * (stride - 51);
-        EXPECT_EQ(CountFresh(denoised->data + frame.total() * 3, rest), rest) << "stride " << stride;
+        EXPECT_EQ(CountFresh(denoised->Image->data + frame.total() * 3, rest), rest) << "stride " << stride;
     }
 }
 
@@ -196,30 +160,8 @@ TEST_F(FastNlMeansDenoisingFilter, ReadsPaddedRowsAsIfPacked) {
     const cv::Mat padded = NoisyScene(24, 16, 7);
     Image image = ImageOf(padded);
     image.width = 20;  // the stride still says 24 pixels
-    Denoised denoised(handle, image);
-    EXPECT_TRUE(StartsWith(denoised->data, Reference(cv::Mat(16, 20, CV_8UC3, padded.data))));
-}
-
-TEST_F(FastNlMeansDenoisingFilter, LeavesTheFrameAsItIs) {
-    const cv::Mat frame = NoisyScene(33, 21, 9);
-    const cv::Mat before = frame.clone();
-    const Denoised denoised(handle, ImageOf(frame));
-    EXPECT_EQ(std::memcmp(frame.data, before.data, frame.total() * frame.elemSize()), 0);
-}
-
-TEST_F(FastNlMeansDenoisingFilter, DoesNotReadTheRestOfItsOptions) {
-    const cv::Mat frame = NoisyScene(20, 16, 3);
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char fill : fills) {
-        auto options = FramedOptions<FilterOptions>(fill);
-        void* other = nullptr;
-        CreateCVFastNlMeansDenoisingFilter(&other, options.record());
-        {
-            Denoised denoised(other, ImageOf(frame));
-            EXPECT_TRUE(StartsWith(denoised->data, Reference(frame))) << "filled with " << int{fill};
-        }
-        Dispose(other);
-    }
+    auto denoised = Call({0, image});
+    EXPECT_TRUE(StartsWith(denoised->Image->data, Reference(cv::Mat(16, 20, CV_8UC3, padded.data))));
 }
 
 TEST_F(FastNlMeansDenoisingFilter, GivesAnUnfilledImageForASizeWithoutPixels) {
@@ -241,44 +183,15 @@ TEST_F(FastNlMeansDenoisingFilter, GivesAnUnfilledImageForASizeWithoutPixels) {
     for (const Case& c : cases) {
         for (uint8_t* const data : {pixel, static_cast<uint8_t*>(nullptr)}) {
             SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << ", stride " << c.stride);
-            Denoised denoised(handle, {data, c.width, c.height, c.stride, 11});
-            EXPECT_EQ(denoised.record->Status, 0);
-            EXPECT_EQ(denoised->width, c.width);
-            EXPECT_EQ(denoised->height, c.height);
-            EXPECT_EQ(denoised->stride, c.stride);
-            EXPECT_EQ(denoised->timestamp, 11U);
-            EXPECT_EQ(CountFresh(denoised->data, c.bytes), c.bytes);
+            auto denoised = Call({0, {data, c.width, c.height, c.stride, 11}});
+            EXPECT_EQ(denoised->Status, 0);
+            EXPECT_EQ(denoised->Image->width, c.width);
+            EXPECT_EQ(denoised->Image->height, c.height);
+            EXPECT_EQ(denoised->Image->stride, c.stride);
+            EXPECT_EQ(denoised->Image->timestamp, 11U);
+            EXPECT_EQ(CountFresh(denoised->Image->data, c.bytes), c.bytes);
         }
     }
-}
-
-TEST_F(FastNlMeansDenoisingFilter, LeavesThePaddingOfTheHostsRecordAsItIs) {
-    const cv::Mat frame = RandomFrame(9, 7, 1);
-    Denoised denoised(handle, ImageOf(frame));
-    const auto bytes = denoised.record.Bytes();
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xA5) << "byte " << i;
-}
-
-TEST_F(FastNlMeansDenoisingFilter, GivingAResultBackReleasesItAndForgetsIt) {
-    const cv::Mat frame = RandomFrame(9, 7, 1);
-    { const Denoised first(handle, ImageOf(frame)); }  // what OpenCV keeps for later calls is allocated now
-    const std::size_t before = LiveBlocks();
-    auto input = FramedInput<FilterData>();
-    input->Image = ImageOf(frame);
-    auto result = FramedResult<FilterResult>();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before + 2);
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    EXPECT_EQ(result->Image, nullptr);
-}
-
-TEST_F(FastNlMeansDenoisingFilter, GivingBackAResultWithoutAnImageChangesNothing) {
-    auto result = FramedResult<FilterResult>(0x5A);
-    result->Image = nullptr;
-    const auto before = result.Bytes();
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result.Bytes(), before);
 }
 
 TEST_F(FastNlMeansDenoisingFilter, RefusesNullPixelsOfAFrameThatIsNotEmpty) {
@@ -314,13 +227,6 @@ TEST_F(FastNlMeansDenoisingFilter, RefusesASizeThatIsNegativeBothWays) {
     uint8_t pixels[12] = {};
     ExpectRefusal<cv::Exception>({pixels, -5, -5, -1, 0});
     ExpectRefusal<cv::Exception>({pixels, -1, -1, 0, 0});
-}
-
-TEST_F(FastNlMeansDenoisingFilter, WorksAfterAFailedCall) {
-    const cv::Mat frame = NoisyScene(20, 16, 10);
-    ExpectRefusal<cv::Exception>({nullptr, 4, 4, 12, 0});
-    Denoised denoised(handle, ImageOf(frame));
-    EXPECT_TRUE(StartsWith(denoised->data, Reference(frame)));
 }
 
 }  // namespace

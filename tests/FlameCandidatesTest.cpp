@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "Quarry.OpenCV/FlameCandidates.h"
-#include "support/PlainFlame.h"
+#include "plain/FlameColor.h"
 
 namespace {
 
-using namespace quarry::test;
+using namespace quarry::plain;
 
 void ExpectTheRulesHold(const cv::Mat& frame) {
     const cv::Mat candidates = quarry::FlameCandidates(frame);

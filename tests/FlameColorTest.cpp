@@ -5,11 +5,11 @@
 #include <limits>
 
 #include "Quarry.OpenCV/PixelwiseFire.h"
-#include "support/PlainFlame.h"
+#include "plain/FlameColor.h"
 
 namespace {
 
-using namespace quarry::test;
+using namespace quarry::plain;
 
 using Fire = PixelwiseFireProcessor;
 

@@ -13,6 +13,7 @@
 
 #include "Quarry.OpenCV/HogSvmHumanClassifier.h"
 #include "Quarry/Quarry.h"
+#include "plain/HogSvmHumanClassifier.h"
 #include "support/Allocations.h"
 #include "support/Footage.h"
 #include "support/Framed.h"
@@ -115,27 +116,17 @@ struct Search {
 };
 
 People Reference(const cv::Mat& frame, const std::vector<cv::Rect>& areas, const Search& search = {}) {
-    cv::HOGDescriptor hog;
-    hog.setSVMDetector(cv::HOGDescriptor::getDefaultPeopleDetector());
+    const cv::HOGDescriptor hog = quarry::plain::PeopleDescriptor();
+    const double width = frame.cols;
+    const double height = frame.rows;
     People people;
     for (const cv::Rect& area : areas) {
-        std::vector<cv::Rect> found;
-        std::vector<double> weights;
-        hog.detectMultiScale(frame(area).clone(), found, weights, 0.0, {search.stride, search.stride}, {0, 0},
-                             search.scale, 2.0, false);
-        for (std::size_t j = 0; j < found.size(); ++j) {
-            const cv::Rect& rect = found[j];
-            bool wanted = rect.height >= search.minHeight && rect.height <= search.maxHeight && weights[j] >= 0.0;
-            for (std::size_t k = 0; k < found.size(); ++k) {
-                if (k != j && (rect & found[k]) == rect) wanted = false;
-            }
-            if (!wanted) continue;
-            const double width = frame.cols;
-            const double height = frame.rows;
+        for (const auto& [rect, weight] : quarry::plain::People(
+                 hog, frame(area).clone(), {search.stride, search.scale, search.minHeight, search.maxHeight})) {
             people.push_back(
                 {{static_cast<float>((rect.x + area.x) / width), static_cast<float>((rect.y + area.y) / height),
                   static_cast<float>(rect.width / width), static_cast<float>(rect.height / height)},
-                 weights[j]});
+                 weight});
         }
     }
     return people;
@@ -185,8 +176,7 @@ TEST_F(HogOnFootage, FindsPeopleInEachFrame) {
 }
 
 TEST_F(HogOnFootage, ReportsOfNestedDetectionsOnlyTheOuterOne) {
-    cv::HOGDescriptor hog;
-    hog.setSVMDetector(cv::HOGDescriptor::getDefaultPeopleDetector());
+    const cv::HOGDescriptor hog = quarry::plain::PeopleDescriptor();
     std::vector<cv::Rect> found;
     hog.detectMultiScale(frames[3], found, 0.0, {8, 8}, {0, 0}, 1.12, 2.0, false);
     ASSERT_EQ(found.size(), 2U);
@@ -307,36 +297,6 @@ TEST_F(HogOnFootage, TakesOnlyOneForTheWholeFrame) {
     }
 }
 
-TEST_F(HogOnFootage, DoesNotReadWhatIsNotForIt) {
-    const std::vector<RelRect> areas = {Relative(kOnePerson, frames[8].size())};
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char fill : fills) {
-        auto input = Detector::Input(ImageOf(frames[8]), areas, fill);
-        input->Frame.stride = fill;
-        input->Frame.timestamp = fill;
-        EXPECT_EQ(Detector({}, fill).Find(input), Reference(frames[8], {kOnePerson})) << "filled with " << int{fill};
-    }
-}
-
-TEST_F(HogOnFootage, LeavesTheFrameAsItIs) {
-    const cv::Mat before = frames[0].clone();
-    EXPECT_FALSE(Detector().Find(frames[0]).empty());
-    EXPECT_EQ(std::memcmp(frames[0].data, before.data, before.total() * 3), 0);
-}
-
-TEST_F(HogOnFootage, GivingAResultBackReleasesItAndForgetsIt) {
-    const Detector detector;
-    detector.Find(frames[0]);  // the processor keeps its vectors
-    auto input = Detector::WholeFrame(ImageOf(frames[0]));
-    auto result = FramedResult<ClassificationResult>(0xA5);
-    const std::size_t before = LiveBlocks();
-    Process(detector.handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before + 1);
-    DisposeResult(detector.handle, result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    EXPECT_EQ(result->Responses, nullptr);
-}
-
 TEST_F(HogOnFootage, ForgetsWhatAFailedCallHadFound) {
     const Detector detector;
     const RelRect area = Relative(kOnePerson, frames[8].size());
@@ -439,17 +399,6 @@ TEST_F(Hog, RefusesANegativeSize) {
     }
 }
 
-/// The rule as it is said: another one covers the whole of it.
-std::vector<bool> PlainContained(const std::vector<cv::Rect>& rectangles) {
-    std::vector<bool> contained(rectangles.size());
-    for (std::size_t j = 0; j < rectangles.size(); ++j) {
-        for (std::size_t k = 0; k < rectangles.size(); ++k) {
-            if (k != j && (rectangles[j] & rectangles[k]) == rectangles[j]) contained[j] = true;
-        }
-    }
-    return contained;
-}
-
 TEST(HogContainment, EqualsThePairwiseRule) {
     // How far apart they lie, how wide and how high they are, and one in how many is very wide.
     const struct {
@@ -466,7 +415,7 @@ TEST(HogContainment, EqualsThePairwiseRule) {
                                         random.uniform(-kind.spread, kind.spread), wide * random.uniform(1, kind.width),
                                         wide * random.uniform(1, kind.height));
             }
-            EXPECT_EQ(HogSvmHumanClassifier::FindContained(rectangles), PlainContained(rectangles))
+            EXPECT_EQ(HogSvmHumanClassifier::FindContained(rectangles), quarry::plain::Contained(rectangles))
                 << "spread " << kind.spread << ", width " << kind.width << ", seed " << seed;
         }
     }

@@ -9,63 +9,29 @@
 #include <string>
 #include <vector>
 
-#include "Quarry/Quarry.h"
 #include "support/Allocations.h"
+#include "support/Calls.h"
 #include "support/Footage.h"
-#include "support/Framed.h"
-#include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
 namespace {
 
 using namespace quarry::test;
-
 constexpr int kLargest = std::numeric_limits<int32_t>::max();
 constexpr int kLowest = std::numeric_limits<int32_t>::min();
 
-/// A result of the processor, given back at the end.
-class Difference {
-public:
-    Difference(void* processor, const Image& first, const Image& second) : handle(processor) {
-        auto input = FramedInput<BinaryImageOperationData>(0xA5);
-        input->FirstImage = first;
-        input->SecondImage = second;
-        Process(handle, input.as<ProcessData>(), record.as<ProcessResult>());
-    }
-    Difference(const Difference&) = delete;
-    Difference& operator=(const Difference&) = delete;
-    ~Difference() { DisposeResult(handle, record.as<ProcessResult>()); }
-
-    const Image& operator*() { return *record->Image; }
-    const Image* operator->() { return record->Image; }
-
-    Framed<ImageOperationResult> record = FramedResult<ImageOperationResult>(0xA5);
-
-private:
-    void* handle;
-};
-
-/// One processor, called through the drivers.
-class ImageSubtractor : public testing::Test {
+class ImageSubtractor : public ProcessorTest<operations::ImageSubtractor> {
 protected:
-    ImageSubtractor() {
-        auto options = FramedOptions<BinaryImageOperationOptions>(0xA5);
-        CreateCVImageAbsSubtractor(&handle, options.record());
+    /// The difference, given back at its end.
+    Called<operations::ImageSubtractor> Difference(const Image& first, const Image& second) {
+        return Call({0, first, second});
     }
-    ~ImageSubtractor() override { Dispose(handle); }
 
-    /// A call that must throw, and change nothing.
     template <class Exception>
     void ExpectRefusal(const Image& first, const Image& second, const std::string& message = {}) {
         SCOPED_TRACE(testing::Message() << first.width << " x " << first.height << ", stride " << first.stride);
-        auto input = FramedInput<BinaryImageOperationData>();
-        input->FirstImage = first;
-        input->SecondImage = second;
-        const std::string said = RefusalOfInput<Exception, ImageOperationResult>(handle, input);
-        EXPECT_TRUE(message.empty() || said == message) << said;
+        ProcessorTest::ExpectRefusal<Exception>({0, first, second}, message);
     }
-
-    void* handle = nullptr;
 };
 
 /// |a - b| of every byte.
@@ -85,8 +51,8 @@ TEST_F(ImageSubtractor, IsTheDifferenceOfEveryByteForFramesOfAnySize) {
         for (uint64_t seed = 0; seed < 4; ++seed) {
             const cv::Mat first = RandomFrame(size.width, size.height, 2 * seed);
             const cv::Mat second = RandomFrame(size.width, size.height, 2 * seed + 1);
-            Difference difference(handle, ImageOf(first), ImageOf(second));
-            EXPECT_TRUE(StartsWith(difference->data, Reference(first, second))) << size << ", seed " << seed;
+            auto difference = Difference(ImageOf(first), ImageOf(second));
+            EXPECT_TRUE(StartsWith(difference->Image->data, Reference(first, second))) << size << ", seed " << seed;
         }
     }
 }
@@ -95,8 +61,8 @@ TEST_F(ImageSubtractor, IsTheDifferenceOfEveryByteForRealFrames) {
     const std::vector<cv::Mat> frames = PedestrianFrames(30);
     if (frames.empty()) GTEST_SKIP() << "no footage in " << MediaDirectory();
     for (std::size_t i = 1; i < frames.size(); ++i) {
-        Difference difference(handle, ImageOf(frames[i - 1]), ImageOf(frames[i]));
-        EXPECT_TRUE(StartsWith(difference->data, Reference(frames[i - 1], frames[i]))) << "frame " << i;
+        auto difference = Difference(ImageOf(frames[i - 1]), ImageOf(frames[i]));
+        EXPECT_TRUE(StartsWith(difference->Image->data, Reference(frames[i - 1], frames[i]))) << "frame " << i;
     }
 }
 
@@ -109,16 +75,16 @@ TEST_F(ImageSubtractor, IsTheDifferenceOfEveryPairOfBytes) {
             second.at<cv::Vec3b>(a, b) = cv::Vec3b::all(static_cast<uint8_t>(b));
         }
     }
-    Difference difference(handle, ImageOf(first), ImageOf(second));
-    EXPECT_TRUE(StartsWith(difference->data, Reference(first, second)));
+    auto difference = Difference(ImageOf(first), ImageOf(second));
+    EXPECT_TRUE(StartsWith(difference->Image->data, Reference(first, second)));
 }
 
 TEST_F(ImageSubtractor, OfIdenticalFramesIsZero) {
     const cv::Mat frame = RandomFrame(33, 21, 1);
     const cv::Mat copy = frame.clone();
     for (const cv::Mat& second : {copy, frame}) {
-        Difference difference(handle, ImageOf(frame), ImageOf(second));
-        EXPECT_TRUE(StartsWith(difference->data, std::vector<uint8_t>(frame.total() * 3, 0)));
+        auto difference = Difference(ImageOf(frame), ImageOf(second));
+        EXPECT_TRUE(StartsWith(difference->Image->data, std::vector<uint8_t>(frame.total() * 3, 0)));
     }
 }
 
@@ -127,12 +93,12 @@ TEST_F(ImageSubtractor, GivesTheFirstFramesGeometryAndTimestamp) {
     const cv::Mat second = RandomFrame(17, 13, 2);
     Image image = ImageOf(first, 0x8123456789ABCDEF);
     image.stride = 64;
-    Difference difference(handle, image, ImageOf(second, 7));
-    EXPECT_EQ(difference.record->Status, 0);
-    EXPECT_EQ(difference->width, 17);
-    EXPECT_EQ(difference->height, 13);
-    EXPECT_EQ(difference->stride, 64);
-    EXPECT_EQ(difference->timestamp, 0x8123456789ABCDEF);
+    auto difference = Difference(image, ImageOf(second, 7));
+    EXPECT_EQ(difference->Status, 0);
+    EXPECT_EQ(difference->Image->width, 17);
+    EXPECT_EQ(difference->Image->height, 13);
+    EXPECT_EQ(difference->Image->stride, 64);
+    EXPECT_EQ(difference->Image->timestamp, 0x8123456789ABCDEF);
 }
 
 TEST_F(ImageSubtractor, IgnoresTheSizeTheStrideAndTheTimestampOfTheSecondFrame) {
@@ -143,11 +109,11 @@ TEST_F(ImageSubtractor, IgnoresTheSizeTheStrideAndTheTimestampOfTheSecondFrame) 
                              {second.data, kLargest, kLargest, kLargest, 1},
                              {second.data, 13, 17, 39, 2}};
     for (const Image& image : seconds) {
-        Difference difference(handle, ImageOf(first, 3), image);
-        EXPECT_EQ(difference->width, 17) << image.width;
-        EXPECT_EQ(difference->stride, 51) << image.width;
-        EXPECT_EQ(difference->timestamp, 3U) << image.width;
-        EXPECT_TRUE(StartsWith(difference->data, Reference(first, second))) << image.width;
+        auto difference = Difference(ImageOf(first, 3), image);
+        EXPECT_EQ(difference->Image->width, 17) << image.width;
+        EXPECT_EQ(difference->Image->stride, 51) << image.width;
+        EXPECT_EQ(difference->Image->timestamp, 3U) << image.width;
+        EXPECT_TRUE(StartsWith(difference->Image->data, Reference(first, second))) << image.width;
     }
 }
 
@@ -157,8 +123,8 @@ TEST_F(ImageSubtractor, PacksTheRowsWhateverTheStride) {
     for (const int stride : {51, 52, 64, 200}) {
         Image image = ImageOf(first);
         image.stride = stride;
-        Difference difference(handle, image, ImageOf(second));
-        EXPECT_TRUE(StartsWith(difference->data, Reference(first, second))) << "stride " << stride;
+        auto difference = Difference(image, ImageOf(second));
+        EXPECT_TRUE(StartsWith(difference->Image->data, Reference(first, second))) << "stride " << stride;
     }
 }
 
@@ -168,9 +134,9 @@ TEST_F(ImageSubtractor, LeavesTheRestOfTheBufferAsAllocated) {
     for (const int stride : {52, 64, 200}) {
         Image image = ImageOf(first);
         image.stride = stride;
-        Difference difference(handle, image, ImageOf(second));
+        auto difference = Difference(image, ImageOf(second));
         const int rest = 13 * (stride - 51);
-        EXPECT_EQ(CountFresh(difference->data + first.total() * 3, rest), rest) << "stride " << stride;
+        EXPECT_EQ(CountFresh(difference->Image->data + first.total() * 3, rest), rest) << "stride " << stride;
     }
 }
 
@@ -179,89 +145,34 @@ TEST_F(ImageSubtractor, ReadsPaddedRowsAsIfPacked) {
     const cv::Mat second = RandomFrame(24, 16, 8);
     Image image = ImageOf(first);
     image.width = 20;  // the stride still says 24 pixels
-    Difference difference(handle, image, ImageOf(second));
+    auto difference = Difference(image, ImageOf(second));
     const cv::Mat skewedFirst(16, 20, CV_8UC3, first.data);
     const cv::Mat skewedSecond(16, 20, CV_8UC3, second.data);
-    EXPECT_TRUE(StartsWith(difference->data, Reference(skewedFirst, skewedSecond)));
-}
-
-TEST_F(ImageSubtractor, LeavesBothFramesAsTheyAre) {
-    const cv::Mat first = RandomFrame(33, 21, 1);
-    const cv::Mat second = RandomFrame(33, 21, 2);
-    const cv::Mat firstBefore = first.clone();
-    const cv::Mat secondBefore = second.clone();
-    const Difference difference(handle, ImageOf(first), ImageOf(second));
-    EXPECT_EQ(std::memcmp(first.data, firstBefore.data, first.total() * 3), 0);
-    EXPECT_EQ(std::memcmp(second.data, secondBefore.data, second.total() * 3), 0);
+    EXPECT_TRUE(StartsWith(difference->Image->data, Reference(skewedFirst, skewedSecond)));
 }
 
 TEST_F(ImageSubtractor, GivesEachResultABufferOfItsOwn) {
     const cv::Mat first = RandomFrame(9, 7, 1);
     const cv::Mat second = RandomFrame(9, 7, 2);
     const cv::Mat third = RandomFrame(9, 7, 3);
-    Difference one(handle, ImageOf(first), ImageOf(second));
-    Difference other(handle, ImageOf(first), ImageOf(third));
-    EXPECT_TRUE(StartsWith(one->data, Reference(first, second)));
-    EXPECT_TRUE(StartsWith(other->data, Reference(first, third)));
-}
-
-TEST_F(ImageSubtractor, DoesNotReadTheRestOfItsOptions) {
-    const cv::Mat first = RandomFrame(9, 7, 1);
-    const cv::Mat second = RandomFrame(9, 7, 2);
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char fill : fills) {
-        auto options = FramedOptions<BinaryImageOperationOptions>(fill);
-        void* other = nullptr;
-        CreateCVImageAbsSubtractor(&other, options.record());
-        {
-            Difference difference(other, ImageOf(first), ImageOf(second));
-            EXPECT_TRUE(StartsWith(difference->data, Reference(first, second))) << "filled with " << int{fill};
-        }
-        Dispose(other);
-    }
+    auto one = Difference(ImageOf(first), ImageOf(second));
+    auto other = Difference(ImageOf(first), ImageOf(third));
+    EXPECT_TRUE(StartsWith(one->Image->data, Reference(first, second)));
+    EXPECT_TRUE(StartsWith(other->Image->data, Reference(first, third)));
 }
 
 TEST_F(ImageSubtractor, GivesAnImageWithoutPixelsForAnEmptyFrame) {
     uint8_t pixel[3] = {};
     for (uint8_t* const data : {pixel, static_cast<uint8_t*>(nullptr)}) {
         for (const cv::Size& size : {cv::Size(0, 0), cv::Size(0, 5), cv::Size(5, 0)}) {
-            Difference difference(handle, {data, size.width, size.height, 24, 11}, {data, 1, 1, 3, 0});
-            EXPECT_EQ(difference->width, size.width) << size;
-            EXPECT_EQ(difference->height, size.height) << size;
-            EXPECT_EQ(difference->stride, 24) << size;
-            EXPECT_EQ(difference->timestamp, 11U) << size;
-            EXPECT_EQ(CountFresh(difference->data, size.height * 24), size.height * 24) << size;
+            auto difference = Difference({data, size.width, size.height, 24, 11}, {data, 1, 1, 3, 0});
+            EXPECT_EQ(difference->Image->width, size.width) << size;
+            EXPECT_EQ(difference->Image->height, size.height) << size;
+            EXPECT_EQ(difference->Image->stride, 24) << size;
+            EXPECT_EQ(difference->Image->timestamp, 11U) << size;
+            EXPECT_EQ(CountFresh(difference->Image->data, size.height * 24), size.height * 24) << size;
         }
     }
-}
-
-TEST_F(ImageSubtractor, LeavesThePaddingOfTheHostsRecordAsItIs) {
-    const cv::Mat frame = RandomFrame(9, 7, 1);
-    Difference difference(handle, ImageOf(frame), ImageOf(frame));
-    const auto bytes = difference.record.Bytes();
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(bytes[i], 0xA5) << "byte " << i;
-}
-
-TEST_F(ImageSubtractor, GivingAResultBackReleasesItAndForgetsIt) {
-    const cv::Mat frame = RandomFrame(9, 7, 1);
-    const std::size_t before = LiveBlocks();
-    auto input = FramedInput<BinaryImageOperationData>();
-    input->FirstImage = ImageOf(frame);
-    input->SecondImage = ImageOf(frame);
-    auto result = FramedResult<ImageOperationResult>();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before + 2);
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    EXPECT_EQ(result->Image, nullptr);
-}
-
-TEST_F(ImageSubtractor, GivingBackAResultWithoutAnImageChangesNothing) {
-    auto result = FramedResult<ImageOperationResult>(0x5A);
-    result->Image = nullptr;
-    const auto before = result.Bytes();
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result.Bytes(), before);
 }
 
 TEST_F(ImageSubtractor, RefusesNullPixelsOfFramesThatAreNotEmpty) {
@@ -310,7 +221,7 @@ TEST_F(ImageSubtractor, TakesABufferThatWrapsAsLongAsItHasRoom) {
     const cv::Mat second = RandomFrame(1, kHeight, 2);
     Image image = ImageOf(first);
     image.stride = kHeight + 3;  // 3 bytes for each row
-    EXPECT_TRUE(StartsWith(Difference(handle, image, ImageOf(second))->data, Reference(first, second)));
+    EXPECT_TRUE(StartsWith(Difference(image, ImageOf(second))->Image->data, Reference(first, second)));
     image.stride = kHeight + 2;
     ExpectRefusal<std::invalid_argument>(image, ImageOf(second),
                                          "BinaryImageOperationData.FirstImage: height 65536 x stride 65538; at most "
@@ -332,14 +243,6 @@ TEST_F(ImageSubtractor, RefusesANegativeSize) {
     ExpectRefusal<std::invalid_argument>({pixels, -5, 5, 15, 0}, {pixels, 0, 0, 0, 0});
     ExpectRefusal<std::invalid_argument>({pixels, 5, -5, -15, 0}, {pixels, 0, 0, 0, 0});
     ExpectRefusal<std::invalid_argument>({pixels, kLowest, kLowest, 0, 0}, {pixels, 0, 0, 0, 0});
-}
-
-TEST_F(ImageSubtractor, WorksAfterAFailedCall) {
-    const cv::Mat first = RandomFrame(20, 16, 10);
-    const cv::Mat second = RandomFrame(20, 16, 11);
-    ExpectRefusal<cv::Exception>({nullptr, 4, 4, 12, 0}, ImageOf(first));
-    Difference difference(handle, ImageOf(first), ImageOf(second));
-    EXPECT_TRUE(StartsWith(difference->data, Reference(first, second)));
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <string>
 #include <type_traits>
-#include <vector>
 
 #include "Quarry.Frame/BackgroundUpdater.h"
 #include "Quarry.Frame/BinaryInvokable.h"
@@ -237,42 +236,40 @@ TEST(InvokableUpdater, GivesNoUpdaterByDefault) {
     EXPECT_EQ(handle.GetUpdater(), nullptr);
 }
 
-std::vector<std::string> slots;
+/// A handle that notes which of its functions are called.
+template <class Handle>
+struct Noting : Handle {
+    Disposable* GetTarget() override {
+        slots += "GetTarget ";
+        return nullptr;
+    }
+    std::string slots;
+};
 
 TEST(InvokableSlots, OfAProcessorsHandleAreGetTargetAndGetProcessor) {
-    struct Noting : InvokableProcessor {
-        Disposable* GetTarget() override {
-            slots.emplace_back("GetTarget");
-            return nullptr;
-        }
+    struct NotingProcessor : Noting<InvokableProcessor> {
         IProcessor* GetProcessor() override {
-            slots.emplace_back("GetProcessor");
+            slots += "GetProcessor";
             return nullptr;
         }
     };
-    slots.clear();
-    Noting handle;
+    NotingProcessor handle;
     CallSlot<Disposable*>(&handle, 0);
     CallSlot<IProcessor*>(&handle, 1);
-    EXPECT_EQ(slots, (std::vector<std::string>{"GetTarget", "GetProcessor"}));
+    EXPECT_EQ(handle.slots, "GetTarget GetProcessor");
 }
 
 TEST(InvokableSlots, OfAnUpdatersHandleAreGetTargetAndGetUpdater) {
-    struct Noting : InvokableUpdater {
-        Disposable* GetTarget() override {
-            slots.emplace_back("GetTarget");
-            return nullptr;
-        }
+    struct NotingUpdater : Noting<InvokableUpdater> {
         IUpdatable* GetUpdater() override {
-            slots.emplace_back("GetUpdater");
+            slots += "GetUpdater";
             return nullptr;
         }
     };
-    slots.clear();
-    Noting handle;
+    NotingUpdater handle;
     CallSlot<Disposable*>(&handle, 0);
     CallSlot<IUpdatable*>(&handle, 1);
-    EXPECT_EQ(slots, (std::vector<std::string>{"GetTarget", "GetUpdater"}));
+    EXPECT_EQ(handle.slots, "GetTarget GetUpdater");
 }
 
 TEST(HandleOfASharpness, CastsItsTargetItself) {

@@ -380,57 +380,6 @@ TEST_F(KMeanColors, DoNotConsultTheOtherKeypoints) {
     }
 }
 
-TEST_F(KMeanColors, DoNotConsultTheStrideTheTimestampOrTheOptions) {
-    const cv::Mat frame = RandomFrame(40, 30, 2);
-    const Colors expected = ColorsOf(ImageOf(frame), Filling());
-    for (const int stride : {0, -1, 1, 64, 4000}) {
-        const Image image{frame.data, 40, 30, stride, ~uint64_t{0}};
-        EXPECT_EQ(ColorsOf(image, Filling()), expected) << "stride " << stride;
-    }
-    Dispose(handle);
-    auto options = FramedOptions<KMeanOptions>(0xFF);
-    CreateCVKMeanColorExtractor(&handle, options.record());
-    EXPECT_EQ(ColorsOf(ImageOf(frame), Filling()), expected) << "other options";
-}
-
-TEST_F(KMeanColors, LeaveTheFrameAndTheKeypointsAsTheyAre) {
-    const cv::Mat frame = RandomFrame(40, 30, 2);
-    const cv::Mat before = frame.clone();
-    Body body = Filling();
-    body[5] = {7.0F, -3.0F};
-    const Body bodyBefore = body;
-    auto input = InputOf(ImageOf(frame), body);
-    auto result = FramedResult<KMeanResult>();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(std::memcmp(frame.data, before.data, frame.total() * 3), 0);
-    EXPECT_EQ(std::memcmp(body.data(), bodyBefore.data(), body.size() * sizeof(FloatPoint)), 0);
-}
-
-TEST_F(KMeanColors, GivingAResultBackReleasesItAndForgetsIt) {
-    const cv::Mat frame = RandomFrame(40, 30, 2);
-    Body body = Filling();
-    auto input = InputOf(ImageOf(frame), body);
-    auto result = FramedResult<KMeanResult>();
-    std::size_t before = 0;
-    for (int call = 0; call < 2; ++call) {  // whatever the first keeps for good is kept once
-        before = LiveBlocks();
-        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-        DisposeResult(handle, result.as<ProcessResult>());
-        EXPECT_EQ(result->Colors, nullptr);
-    }
-    EXPECT_EQ(LiveBlocks(), before);
-}
-
-TEST_F(KMeanColors, GivingBackAResultWithoutColoursChangesNothing) {
-    auto result = FramedResult<KMeanResult>(0x5A);
-    result->Colors = nullptr;
-    const auto before = result.Bytes();
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result.Bytes(), before);
-    DestroyKMeanResult(nullptr);
-}
-
 TEST_F(KMeanColors, RefuseAnAreaOfFewerThanTwoPixels) {
     const cv::Mat frame = RandomFrame(40, 30, 2);
     const cv::Mat pixel = RandomFrame(1, 1, 2);

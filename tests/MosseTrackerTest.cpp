@@ -15,9 +15,9 @@
 
 #include "Quarry.OpenCV/MosseTracker.h"
 #include "Quarry/Quarry.h"
+#include "plain/MosseTracker.h"
 #include "support/Footage.h"
 #include "support/Framed.h"
-#include "support/PlainMosseTracker.h"
 #include "support/Scenes.h"
 
 /// For messages; found by the name of the record, so it stands beside it.
@@ -32,6 +32,7 @@ bool operator==(const PixelRect& a, const PixelRect& b) {
 namespace {
 
 using namespace quarry::test;
+namespace plain = quarry::plain;
 
 constexpr std::array<uint32_t, 2> kModes = {0, 1};
 
@@ -82,7 +83,7 @@ public:
     Pair(uint32_t mode, const PixelRect& initialRect) : chosenMode(mode), rect(initialRect), tracker(mode) {}
 
     void Update(const cv::Mat& frame) {
-        if (reference == nullptr) reference = std::make_unique<PlainMosseTracker>(chosenMode, frame, rect);
+        if (reference == nullptr) reference = std::make_unique<plain::MosseTracker>(chosenMode, frame, rect);
         reference->Update(frame);
         tracker.Update(frame, rect);
         const MosseTrackerResult result = tracker.Result();
@@ -98,7 +99,7 @@ private:
     uint32_t chosenMode;
     PixelRect rect;
     Tracker tracker;
-    std::unique_ptr<PlainMosseTracker> reference;
+    std::unique_ptr<plain::MosseTracker> reference;
 };
 
 /// Feeds a scene in both modes.
@@ -265,7 +266,7 @@ TEST(MosseTracker, LearnsFromTheFrameThatTrainsItTwice) {
         Tracker tracker;
         tracker.Update(frame, RectAt({60, 40}));
         tracker.Update(faded, {});
-        PlainMosseTracker trained(0, frame, RectAt({60, 40}));
+        plain::MosseTracker trained(0, frame, RectAt({60, 40}));
         trained.Update(faded);
         if (tracker.Found() && !trained.found) ++differences;
     }
@@ -447,7 +448,7 @@ TEST(MosseTracker, WarpsItsSamplesAroundTheirMiddle) {
          {cv::Size(1, 1), cv::Size(2, 2), cv::Size(3, 2), cv::Size(45, 32), cv::Size(2000, 1500)}) {
         cv::Mat window;
         cv::cvtColor(RandomFrame(size.width, size.height, 4), window, cv::COLOR_BGR2GRAY);
-        EXPECT_EQ(cv::norm(MosseTracker::randWarp(window), PlainMosseTracker::Warped(window), cv::NORM_INF), 0.0)
+        EXPECT_EQ(cv::norm(MosseTracker::randWarp(window), plain::MosseTracker::Warped(window), cv::NORM_INF), 0.0)
             << size;
     }
 }
@@ -523,8 +524,8 @@ TEST(MosseTracker, DividesSpectraAsThePlainStepsDo) {
         // Denominators from those whose squares vanish to those whose squares are infinite.
         cv::Mat denominator = RandomSpectrum(size, 2 * round + 1) * std::pow(10.0, random.uniform(-26.0, 18.0));
         for (int i = 0; i < size.height; ++i) denominator.at<cv::Vec2f>(i, i % size.width) = {0, 0};
-        EXPECT_TRUE(
-            SameBits(MosseTracker::divDFTs(numerator, denominator), PlainMosseTracker::Divide(numerator, denominator)))
+        EXPECT_TRUE(SameBits(MosseTracker::divDFTs(numerator, denominator),
+                             plain::MosseTracker::Divide(numerator, denominator)))
             << "round " << round;
     }
 }
@@ -555,31 +556,6 @@ TEST(MosseTracker, ReadsTheInitialRectangleOfTheFirstFrameOnly) {
         EXPECT_TRUE(tracker.Found()) << rect;
         EXPECT_EQ(tracker.Rect(), RectAt({60, 40})) << rect;
     }
-}
-
-TEST(MosseTracker, ReadsNeitherStrideNorTimestampNorHeaderNorReservedWords) {
-    Tracker zeros(1, 0x00);
-    Tracker ones(1, 0xFF);
-    for (int i = 0; i < 10; ++i) {
-        const cv::Mat frame = TargetAt({60 + i, 40});
-        Image image = ImageOf(frame);
-        image.stride = i * 1000;
-        image.timestamp = static_cast<uint64_t>(-i);
-        zeros.UpdateImage(image, RectAt({60, 40}));
-        image.stride = -i;
-        image.timestamp = static_cast<uint64_t>(i);
-        ones.UpdateImage(image, RectAt({60, 40}));
-        ASSERT_EQ(zeros.Rect(), RectAt({60 + i, 40})) << "frame " << i;
-        ASSERT_EQ(ones.Rect(), RectAt({60 + i, 40})) << "frame " << i;
-    }
-}
-
-TEST(MosseTracker, LeavesTheHostsFrameAsItIs) {
-    const cv::Mat frame = TargetAt({60, 40});
-    const cv::Mat before = frame.clone();
-    Tracker tracker;
-    for (int i = 0; i < 2; ++i) tracker.Update(frame, RectAt({60, 40}));
-    EXPECT_EQ(std::memcmp(frame.data, before.data, before.total() * before.elemSize()), 0);
 }
 
 TEST(MosseTracker, RefusesOtherModes) {
@@ -664,17 +640,6 @@ TEST(MosseTracker, AsksForAFrameBeforeAResult) {
     EXPECT_THROW(tracker.Result(), std::logic_error) << "a frame that is refused is none";
     tracker.Update(TargetAt({60, 40}), RectAt({60, 40}));
     EXPECT_NO_THROW(tracker.Result());
-}
-
-TEST(MosseTracker, WritesEveryByteOfTheHostsRecord) {
-    Tracker tracker(1);
-    tracker.Update(TargetAt({-3, 40}), RectAt({-3, 40}));
-    const std::array<unsigned char, 16> expected = {0, 0, 0, 0, 0xFD, 0xFF, 40, 0, 48, 0, 48, 0, 1, 0, 0, 0};
-    for (const int fill : {0x00, 0xC3, 0xFF}) {
-        auto result = FramedResult<MosseTrackerResult>(static_cast<unsigned char>(fill));
-        GetUpdateResult(tracker.handle, result.as<UpdateResult>());
-        EXPECT_EQ(result.Bytes(), expected) << "filled with " << fill;
-    }
 }
 
 TEST(MosseTracker, AResultOutlivesTheTracker) {

@@ -2,26 +2,22 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
-#include <new>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/video/tracking.hpp>
 #include <stdexcept>
 #include <vector>
 
 #include "Quarry.OpenCV/OpticalFlowLineProcessor.h"
-#include "Quarry/Quarry.h"
-#include "support/Allocations.h"
+#include "plain/OpticalFlowLineProcessor.h"
+#include "plain/Steps.h"
+#include "support/Calls.h"
 #include "support/Footage.h"
-#include "support/Framed.h"
-#include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
 namespace {
 
 using namespace quarry::test;
-
 using Values = std::vector<float>;
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
@@ -68,75 +64,19 @@ Line RandomLine(cv::RNG& random) {
     return {place(), place(), place(), place()};
 }
 
-/// One processor, called through the drivers.
-class OpticalFlowLine : public testing::Test {
+class OpticalFlowLine : public ProcessorTest<operations::OpticalFlowLine> {
 protected:
-    OpticalFlowLine() {
-        auto options = FramedOptions<OFLineOptions>(0xA5);
-        CreateCVOpticalFlowLineProcessor(&handle, options.record());
-    }
-    ~OpticalFlowLine() override { Dispose(handle); }
-
-    static Framed<OFLineData> Input(AbsVectorMatrix* matrix, const Line& line, int count, unsigned char unread = 0xA5) {
-        auto input = FramedInput<OFLineData>(unread);
-        input->FlowMatrix = matrix;
-        input->LineStartX = line.startX;
-        input->LineStartY = line.startY;
-        input->LineEndX = line.endX;
-        input->LineEndY = line.endY;
-        input->ValuesCount = count;
-        return input;
-    }
-
-    Values Measure(AbsVectorMatrix* matrix, const Line& line, int count, unsigned char unread = 0xA5) {
-        auto input = Input(matrix, line, count, unread);
-        auto result = FramedResult<OFLineResult>(0xA5);
-        Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
+    Values Measure(AbsVectorMatrix* matrix, const Line& line, int count) {
+        auto result = Call({0, {}, matrix, line.startX, line.startY, line.endX, line.endY, count, 0});
         EXPECT_EQ(result->ValuesCount, count);
-        Values values(result->Values, result->Values + count);
-        DisposeResult(handle, result.as<ProcessResult>());
-        return values;
+        return {result->Values, result->Values + count};
     }
     Values Measure(Field& field, const Line& line, int count) { return Measure(&field.matrix, line, count); }
-
-    void* handle = nullptr;
 };
 
-/// Length of the way from one point to another, in single precision throughout.
-float Way(float fromX, float fromY, float toX, float toY) {
-    const float x = toX - fromX;
-    const float y = toY - fromY;
-    const float squares = x * x + y * y;
-    return std::sqrt(squares);
-}
-
-/// One value per pixel of the line between two pixels, clipped to the field.
 Values PlainProfile(Field& field, const cv::Point& start, const cv::Point& end) {
-    const auto x1 = static_cast<float>(start.x);
-    const auto y1 = static_cast<float>(start.y);
-    const auto x2 = static_cast<float>(end.x);
-    const auto y2 = static_cast<float>(end.y);
-    const float base = Way(x1, y1, x2, y2);
-    const cv::Mat canvas(field.matrix.height, field.matrix.width, CV_8U);
-    cv::LineIterator pixel(canvas, start, end, 8, false);
-    Values profile;
-    for (int left = pixel.count; left > 0; --left) {
-        const AbsVector motion = field.At(pixel.pos().x, pixel.pos().y);
-        const float x = static_cast<float>(pixel.pos().x) + motion.Dx;
-        const float y = static_cast<float>(pixel.pos().y) + motion.Dy;
-        const float one = Way(x1, y1, x, y);
-        const float other = Way(x2, y2, x, y);
-        const float half = (one + other + base) / 2.0F;
-        float product = half - one;
-        product *= half;
-        product *= half - other;
-        product *= half - base;
-        auto value = static_cast<float>(2.0 * std::sqrt(static_cast<double>(product)) / static_cast<double>(base));
-        if ((x2 - x1) * (y - y1) - (y2 - y1) * (x - x1) < 0.0F) value = -value;
-        profile.push_back(value);
-        ++pixel;
-    }
-    return profile;
+    return quarry::plain::Profile(cv::Mat(field.matrix.height, field.matrix.width, CV_32FC2, field.motions.data()),
+                                  start, end);
 }
 
 /// The profile at another number of places, in whole numbers: exact wherever a float would not round. Zeros where there
@@ -162,8 +102,8 @@ Values Reference(Field& field, const cv::Point& start, const cv::Point& end, int
 }
 
 cv::Point Pixel(float x, float y, const Field& field) {
-    return {static_cast<int>(x * static_cast<float>(field.matrix.width)),
-            static_cast<int>(y * static_cast<float>(field.matrix.height))};
+    return {quarry::plain::TruncatedProduct(x, field.matrix.width),
+            quarry::plain::TruncatedProduct(y, field.matrix.height)};
 }
 
 Values Reference(Field& field, const Line& line, int count) {
@@ -171,9 +111,7 @@ Values Reference(Field& field, const Line& line, int count) {
 }
 
 bool SameBits(const Values& a, const Values& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](float x, float y) {
-        return (x == y && std::signbit(x) == std::signbit(y)) || (std::isnan(x) && std::isnan(y));
-    });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), quarry::plain::SameBits<float>);
 }
 
 TEST_F(OpticalFlowLine, EqualsThePlainStepsOnFieldsOfAnySize) {
@@ -203,23 +141,6 @@ TEST_F(OpticalFlowLine, EqualsThePlainStepsForAnyNumberOfValues) {
         for (int count = 0; count <= 130; ++count) {
             ASSERT_TRUE(SameBits(Measure(field, line, count), Reference(field, line, count)))
                 << line << ", " << count << " values";
-        }
-    }
-}
-
-TEST_F(OpticalFlowLine, LeavesNothingBehindWhenMemoryEnds) {
-    Field field = RandomField(20, 20, 6);
-    for (const int count : {5, 20, 40}) {  // fewer values than pixels, as many, more
-        auto input = Input(&field.matrix, {0.0F, 0.0F, 1.0F, 1.0F}, count);
-        for (std::size_t served = 0; served < 2; ++served) {
-            auto result = FramedResult<OFLineResult>(0xA5);
-            const std::size_t before = LiveBlocks();
-            {
-                const FailingAllocation failure(served);
-                EXPECT_THROW(Process(handle, input.as<ProcessData>(), result.as<ProcessResult>()), std::bad_alloc);
-            }
-            EXPECT_EQ(LiveBlocks(), before) << count << " values, " << served << " served";
-            for (const unsigned char byte : result.Bytes()) EXPECT_EQ(byte, 0xA5);
         }
     }
 }
@@ -407,73 +328,16 @@ TEST_F(OpticalFlowLine, OfAFieldOfNegativeSizeIsZeros) {
 
 TEST_F(OpticalFlowLine, OfNoValuesIsAnEmptyArray) {
     Field field = RandomField(10, 8, 6);
-    auto input = Input(&field.matrix, {0.0F, 0.0F, 1.0F, 1.0F}, 0);
-    auto result = FramedResult<OFLineResult>(0xA5);
-    const std::size_t before = LiveBlocks();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(result->ValuesCount, 0);
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result->Values, nullptr);
-    EXPECT_EQ(LiveBlocks(), before);
+    EXPECT_TRUE(Measure(field, {0.0F, 0.0F, 1.0F, 1.0F}, 0).empty());
 }
 
 TEST_F(OpticalFlowLine, RefusesANegativeNumberOfValues) {
     Field field = RandomField(10, 8, 6);
     for (const int count : {-1, std::numeric_limits<int>::min()}) {
-        auto input = Input(&field.matrix, {0.0F, 0.0F, 1.0F, 1.0F}, count);
-        EXPECT_EQ((RefusalOfInput<std::invalid_argument, OFLineResult>(handle, input)),
-                  "OFLineData.ValuesCount is " + std::to_string(count) + "; 0 or more is allowed");
+        ExpectRefusal<std::invalid_argument>(
+            {0, {}, &field.matrix, 0.0F, 0.0F, 1.0F, 1.0F, count, 0},
+            "OFLineData.ValuesCount is " + std::to_string(count) + "; 0 or more is allowed");
     }
-}
-
-TEST_F(OpticalFlowLine, LeavesTheHeadAndThePaddingOfTheHostsRecordAsTheyAre) {
-    Field field = RandomField(10, 8, 6);
-    auto input = Input(&field.matrix, {0.0F, 0.0F, 1.0F, 1.0F}, 5);
-    auto result = FramedResult<OFLineResult>(0xC3);
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    const auto bytes = result.Bytes();
-    for (std::size_t i = 0; i < 8; ++i) EXPECT_EQ(bytes[i], 0xC3) << "byte " << i;
-    for (std::size_t i = 20; i < 24; ++i) EXPECT_EQ(bytes[i], 0xC3) << "byte " << i;
-    DisposeResult(handle, result.as<ProcessResult>());
-}
-
-TEST_F(OpticalFlowLine, GivingAResultBackReleasesItAndForgetsIt) {
-    Field field = RandomField(10, 8, 6);
-    auto input = Input(&field.matrix, {0.0F, 0.0F, 1.0F, 1.0F}, 5);
-    auto result = FramedResult<OFLineResult>(0xA5);
-    const std::size_t before = LiveBlocks();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before + 1);
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    EXPECT_EQ(result->Values, nullptr);
-    EXPECT_EQ(result->ValuesCount, 5);
-}
-
-TEST_F(OpticalFlowLine, GivingBackAResultWithoutValuesChangesNothing) {
-    auto result = FramedResult<OFLineResult>(0x5A);
-    result->Values = nullptr;
-    const auto before = result.Bytes();
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result.Bytes(), before);
-}
-
-TEST_F(OpticalFlowLine, DoesNotReadTheReservedWords) {
-    Field field = RandomField(10, 8, 6);
-    const Line line{0.0F, 0.0F, 0.9F, 0.9F};
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char unread : fills) {
-        EXPECT_TRUE(SameBits(Measure(&field.matrix, line, 9, unread), Reference(field, line, 9)))
-            << "filled with " << int{unread};
-    }
-}
-
-TEST_F(OpticalFlowLine, LeavesTheFieldAsItIs) {
-    Field field = RandomField(10, 8, 6);
-    const std::vector<AbsVector> before = field.motions;
-    Measure(field, {0.0F, 0.0F, 0.9F, 0.9F}, 9);
-    EXPECT_EQ(std::memcmp(field.motions.data(), before.data(), before.size() * sizeof(AbsVector)), 0);
-    EXPECT_EQ(field.matrix.data, field.motions.data());
 }
 
 /// What `count` places get of a buffer that holds its own indices.

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
@@ -8,72 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "Quarry/Quarry.h"
-#include "support/Allocations.h"
+#include "plain/PixelwiseFire.h"
+#include "support/Calls.h"
 #include "support/Footage.h"
-#include "support/Framed.h"
-#include "support/PlainFlame.h"
-#include "support/RefusedInput.h"
 #include "support/Scenes.h"
 
 namespace {
 
 using namespace quarry::test;
+using quarry::plain::Fire;
 
 const cv::Scalar kFlame(60, 200, 255);
-
-cv::Mat PlainCandidates(const cv::Mat& frame) {
-    cv::Mat candidates(frame.size(), CV_8U);
-    for (int y = 0; y < frame.rows; ++y) {
-        for (int x = 0; x < frame.cols; ++x) {
-            const auto& pixel = frame.at<cv::Vec3b>(y, x);
-            candidates.at<uint8_t>(y, x) = PlainIsFlame(PlainLab(pixel[2], pixel[1], pixel[0])) ? 255 : 0;
-        }
-    }
-    return candidates;
-}
-
-/// Twice that of the polygon through the points.
-int64_t TwiceTheArea(const std::vector<cv::Point>& points) {
-    int64_t sum = 0;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const cv::Point& next = points[(i + 1) % points.size()];
-        sum += int64_t{points[i].x} * next.y - int64_t{next.x} * points[i].y;
-    }
-    return std::abs(sum);
-}
-
-/// Every pixel of the mask spread over an ellipse about it, 11 pixels wide and high.
-cv::Mat PlainGrown(const cv::Mat& mask) {
-    constexpr int kHalfWidths[] = {0, 3, 4, 5, 5, 5, 5, 5, 4, 3, 0};
-    cv::Mat grown = cv::Mat::zeros(mask.size(), CV_8U);
-    for (int y = 0; y < mask.rows; ++y) {
-        for (int x = 0; x < mask.cols; ++x) {
-            if (mask.at<uint8_t>(y, x) == 0) continue;
-            for (int dy = -5; dy <= 5; ++dy) {
-                const int half = kHalfWidths[dy + 5];
-                const cv::Rect run = cv::Rect(x - half, y + dy, 2 * half + 1, 1) & cv::Rect(0, 0, mask.cols, mask.rows);
-                if (!run.empty()) std::memset(grown.ptr(run.y) + run.x, 255, static_cast<std::size_t>(run.width));
-            }
-        }
-    }
-    return grown;
-}
-
-cv::Mat Reference(const cv::Mat& frame) {
-    std::vector<std::vector<cv::Point>> contours;
-    cv::findContours(PlainCandidates(frame), contours, cv::RETR_TREE, cv::CHAIN_APPROX_NONE);
-    int64_t best = 0;
-    std::vector<cv::Point> largest;
-    for (const auto& contour : contours) {
-        if (TwiceTheArea(contour) <= best) continue;
-        best = TwiceTheArea(contour);
-        largest = contour;
-    }
-    cv::Mat mask = cv::Mat::zeros(frame.size(), CV_8U);
-    if (best > 8) cv::drawContours(mask, std::vector<std::vector<cv::Point>>{largest}, 0, cv::Scalar(255), cv::FILLED);
-    return PlainGrown(PlainGrown(mask));
-}
 
 /// A black frame with boxes in the colour of flames.
 cv::Mat Flames(const cv::Size& size, const std::vector<cv::Rect>& boxes) {
@@ -82,55 +26,41 @@ cv::Mat Flames(const cv::Size& size, const std::vector<cv::Rect>& boxes) {
     return frame;
 }
 
-/// A mask that holds these boxes, grown.
+/// A mask that holds these boxes, grown twice by an ellipse whose rows are written out here.
 cv::Mat Grown(const cv::Size& size, const std::vector<cv::Rect>& boxes) {
+    constexpr int kHalfWidths[] = {0, 3, 4, 5, 5, 5, 5, 5, 4, 3, 0};
     cv::Mat mask = cv::Mat::zeros(size, CV_8U);
     for (const cv::Rect& box : boxes) mask(box).setTo(255);
-    return PlainGrown(PlainGrown(mask));
+    for (int turn = 0; turn < 2; ++turn) {
+        const cv::Mat before = mask.clone();
+        for (int y = 0; y < mask.rows; ++y) {
+            for (int x = 0; x < mask.cols; ++x) {
+                if (before.at<uint8_t>(y, x) == 0) continue;
+                for (int dy = -5; dy <= 5; ++dy) {
+                    const int half = kHalfWidths[dy + 5];
+                    mask(cv::Rect(x - half, y + dy, 2 * half + 1, 1) & cv::Rect({}, size)).setTo(255);
+                }
+            }
+        }
+    }
+    return mask;
 }
 
 bool Same(const cv::Mat& a, const cv::Mat& b) {
     return a.size() == b.size() && std::memcmp(a.data, b.data, a.total()) == 0;
 }
 
-/// One processor, called through the drivers.
-class PixelwiseFire : public testing::Test {
+class PixelwiseFire : public ProcessorTest<operations::FirePixels> {
 protected:
-    PixelwiseFire() { handle = Create(0xA5); }
-    ~PixelwiseFire() override { Dispose(handle); }
-
-    static void* Create(unsigned char unread) {
-        auto options = FramedOptions<ProcessOptions>(unread);
-        void* processor = nullptr;
-        CreateCVPixelwiseFireProcessor(&processor, options.record());
-        return processor;
+    cv::Mat Mark(const cv::Mat& frame) {
+        auto result = Call({0, ImageOf(frame)});
+        return cv::Mat(result->FireMask->height, result->FireMask->width, CV_8U, result->FireMask->data).clone();
     }
 
-    static cv::Mat Mark(void* processor, const Image& frame, unsigned char unread = 0xA5) {
-        auto input = FramedInput<FireInputData>(unread);
-        input->Frame = frame;
-        auto result = FramedResult<FireOutputData>(0xA5);
-        Process(processor, input.as<ProcessData>(), result.as<ProcessResult>());
-        EXPECT_EQ(result->Status, 0);
-        cv::Mat mask =
-            cv::Mat(result->FireMask->height, result->FireMask->width, CV_8U, result->FireMask->data).clone();
-        DisposeResult(processor, result.as<ProcessResult>());
-        return mask;
-    }
-    cv::Mat Mark(const cv::Mat& frame) { return Mark(handle, ImageOf(frame)); }
-
-    /// A call that must throw, and change nothing.
-    template <class Exception>
-    void ExpectRefusal(const Image& frame, const std::string& message = {}) {
+    void ExpectAssertion(const Image& frame) {
         SCOPED_TRACE(testing::Message() << frame.width << " x " << frame.height);
-        auto input = FramedInput<FireInputData>();
-        input->Frame = frame;
-        const std::string said = RefusalOfInput<Exception, FireOutputData>(handle, input);
-        const bool isAssertion = said.find("(-215:Assertion failed)") != std::string::npos;
-        EXPECT_TRUE(message.empty() ? isAssertion : said == message) << said;
+        ExpectRefusal<cv::Exception>({0, frame}, "(-215:Assertion failed)");
     }
-
-    void* handle = nullptr;
 };
 
 TEST_F(PixelwiseFire, MarksTheLargestRegionOfFramesOfAnySize) {
@@ -141,7 +71,7 @@ TEST_F(PixelwiseFire, MarksTheLargestRegionOfFramesOfAnySize) {
             cv::RNG(static_cast<uint64_t>(share)).fill(draw, cv::RNG::UNIFORM, 0, 10);
             cv::Mat frame = cv::Mat::zeros(size, CV_8UC3);
             frame.setTo(kFlame, draw < share);
-            EXPECT_TRUE(Same(Mark(frame), Reference(frame))) << size << ", " << share << " of ten";
+            EXPECT_TRUE(Same(Mark(frame), Fire(frame))) << size << ", " << share << " of ten";
         }
     }
 }
@@ -151,7 +81,7 @@ TEST_F(PixelwiseFire, MarksTheLargestRegionOfPictures) {
     for (const char* const name : {"fruits.jpg", "orange.jpg", "messi5.jpg", "cards.png"}) {
         const cv::Mat frame = cv::imread((MediaDirectory() / name).string());
         if (frame.empty()) GTEST_SKIP() << "no pictures in " << MediaDirectory();
-        const cv::Mat expected = Reference(frame);
+        const cv::Mat expected = Fire(frame);
         EXPECT_TRUE(Same(Mark(frame), expected)) << name;
         if (cv::countNonZero(expected) > 0) ++marked;
     }
@@ -166,7 +96,7 @@ TEST_F(PixelwiseFire, EqualsThePlainStepsOnEveryPatternOfFifteenPixels) {
             for (int bit = 0; bit < 15; ++bit) {
                 if ((pattern >> bit & 1U) != 0) frame(cv::Rect(corner.x + bit % 5, corner.y + bit / 5, 1, 1)) = kFlame;
             }
-            ASSERT_TRUE(Same(Mark(frame), Reference(frame))) << "pattern " << pattern << " at " << corner;
+            ASSERT_TRUE(Same(Mark(frame), Fire(frame))) << "pattern " << pattern << " at " << corner;
         }
     }
 }
@@ -180,7 +110,7 @@ TEST_F(PixelwiseFire, EqualsThePlainStepsOnScatteredRegions) {
             const cv::Size axes(random.uniform(0, 9), random.uniform(0, 9));
             cv::ellipse(frame, center, axes, random.uniform(0, 180), 0, 360, kFlame, random.uniform(0, 2) * 2 - 1);
         }
-        ASSERT_TRUE(Same(Mark(frame), Reference(frame))) << "seed " << seed;
+        ASSERT_TRUE(Same(Mark(frame), Fire(frame))) << "seed " << seed;
     }
 }
 
@@ -189,7 +119,7 @@ TEST_F(PixelwiseFire, EqualsThePlainStepsOnScenes) {
     frames.push_back(FireScene(320, 240));
     frames.push_back(FireScene(401, 301));
     for (const cv::Mat& frame : frames) {
-        const cv::Mat expected = Reference(frame);
+        const cv::Mat expected = Fire(frame);
         EXPECT_GT(cv::countNonZero(expected), 0) << frame.size();
         EXPECT_TRUE(Same(Mark(frame), expected)) << frame.size();
     }
@@ -240,7 +170,7 @@ TEST_F(PixelwiseFire, KeepsOnlyTheLargerOfTwoRegions) {
 TEST_F(PixelwiseFire, KeepsTheEarlierContourOnATie) {
     const cv::Mat frame = Flames({120, 90}, {{80, 10, 9, 9}, {10, 60, 9, 9}});
     std::vector<std::vector<cv::Point>> contours;
-    cv::findContours(PlainCandidates(frame), contours, cv::RETR_TREE, cv::CHAIN_APPROX_NONE);
+    cv::findContours(quarry::plain::FlameColors(frame), contours, cv::RETR_TREE, cv::CHAIN_APPROX_NONE);
     ASSERT_EQ(contours.size(), 2U);
     EXPECT_TRUE(Same(Mark(frame), Grown({120, 90}, {cv::boundingRect(contours[0])})));
 }
@@ -252,86 +182,30 @@ TEST_F(PixelwiseFire, FillsARing) {
     EXPECT_TRUE(Same(Mark(frame), Grown({120, 120}, {{20, 20, 80, 80}})));
 }
 
-TEST_F(PixelwiseFire, ReadsRowsAsPackedWhateverTheStrideAndTheTimestamp) {
-    const cv::Mat frame = Flames({41, 33}, {{12, 10, 7, 5}});
-    const cv::Mat expected = Reference(frame);
-    for (const int stride : {0, 1, 41, 128, -123}) {
-        Image image = ImageOf(frame, ~uint64_t{0});
-        image.stride = stride;
-        EXPECT_TRUE(Same(Mark(handle, image), expected)) << "stride " << stride;
-    }
-}
-
-TEST_F(PixelwiseFire, DoesNotReadTheRestOfItsRecords) {
-    const cv::Mat frame = Flames({41, 33}, {{12, 10, 7, 5}});
-    const unsigned char fills[] = {0x00, 0x01, 0xFF};
-    for (const unsigned char fill : fills) {
-        void* const other = Create(fill);
-        EXPECT_TRUE(Same(Mark(other, ImageOf(frame), fill), Reference(frame))) << "filled with " << int{fill};
-        Dispose(other);
-    }
-}
-
-TEST_F(PixelwiseFire, LeavesTheFrameAsItIs) {
-    const cv::Mat frame = Flames({41, 33}, {{12, 10, 7, 5}});
-    const cv::Mat before = frame.clone();
-    Mark(frame);
-    EXPECT_EQ(std::memcmp(frame.data, before.data, before.total() * 3), 0);
-}
-
-TEST_F(PixelwiseFire, GivingAResultBackReleasesItAndForgetsIt) {
-    const cv::Mat frame = Flames({41, 33}, {{12, 10, 7, 5}});
-    Mark(frame);  // warms OpenCV up
-    auto input = FramedInput<FireInputData>();
-    input->Frame = ImageOf(frame);
-    auto result = FramedResult<FireOutputData>(0xA5);
-    const std::size_t before = LiveBlocks();
-    Process(handle, input.as<ProcessData>(), result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before + 2);
-    for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(result.Bytes()[i], 0xA5) << "byte " << i;  // padding
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(LiveBlocks(), before);
-    EXPECT_EQ(result->FireMask, nullptr);
-}
-
-TEST_F(PixelwiseFire, GivingBackAResultWithoutAMaskChangesNothing) {
-    auto result = FramedResult<FireOutputData>(0x5A);
-    result->FireMask = nullptr;
-    const auto before = result.Bytes();
-    DisposeResult(handle, result.as<ProcessResult>());
-    EXPECT_EQ(result.Bytes(), before);
-}
-
 TEST_F(PixelwiseFire, RefusesAFrameWithoutPixels) {
     uint8_t pixel[3] = {};
     for (uint8_t* const data : {pixel, static_cast<uint8_t*>(nullptr)}) {
         for (const cv::Size& size : {cv::Size(0, 0), cv::Size(0, 5), cv::Size(5, 0)}) {
-            ExpectRefusal<cv::Exception>({data, size.width, size.height, 15, 0});
+            ExpectAssertion({data, size.width, size.height, 15, 0});
         }
     }
 }
 
 TEST_F(PixelwiseFire, RefusesNullPixelsOfAFrameThatIsNotEmpty) {
-    ExpectRefusal<cv::Exception>({nullptr, 4, 4, 12, 0});
+    ExpectAssertion({nullptr, 4, 4, 12, 0});
 }
 
 TEST_F(PixelwiseFire, RefusesANegativeSize) {
     uint8_t pixels[75] = {};
     for (const cv::Size& size : {cv::Size(-5, 5), cv::Size(5, -5), cv::Size(-5, -5)}) {
-        ExpectRefusal<cv::Exception>({pixels, size.width, size.height, 15, 0});
+        ExpectAssertion({pixels, size.width, size.height, 15, 0});
     }
 }
 
 TEST_F(PixelwiseFire, RefusesASizeWhoseMaskWouldWrapToASmallOne) {
     uint8_t pixel[3] = {};
-    ExpectRefusal<std::invalid_argument>({pixel, 65536, 65537, 196608, 0},
+    ExpectRefusal<std::invalid_argument>({0, {pixel, 65536, 65537, 196608, 0}},
                                          "FireInputData.Frame: 65536 x 65537 pixels; at most 2147483647 are allowed");
-}
-
-TEST_F(PixelwiseFire, WorksAfterAFailedCall) {
-    const cv::Mat frame = Flames({41, 33}, {{12, 10, 7, 5}});
-    ExpectRefusal<cv::Exception>({nullptr, 4, 4, 12, 0});
-    EXPECT_TRUE(Same(Mark(frame), Reference(frame)));
 }
 
 }  // namespace

@@ -19,20 +19,11 @@
 #include "Quarry.OpenCV/CVOpticalFlowCalculator.h"
 #include "Quarry.OpenCV/DenseOpticalFlowCalculator.h"
 #include "Quarry.OpenCV/MosseTracker.h"
-#include "support/Bytes.h"
 #include "support/Framed.h"
 #include "support/Slots.h"
 #include "support/WrongFrames.h"
 
-using quarry::test::Apply;
-using quarry::test::Bytes;
-using quarry::test::CallSlot;
-using quarry::test::Framed;
-using quarry::test::FramedInput;
-using quarry::test::FramedOptions;
-using quarry::test::FramedResult;
-using quarry::test::WrongFrame;
-using quarry::test::WrongFrames;
+using namespace quarry::test;
 
 namespace {
 
@@ -81,7 +72,6 @@ public:
     void SetState(int32_t value) { state = value; }
     void SetResult(Sum* value) { result = value; }
     const Sum* Result() const { return result; }
-    const SumOptions& Options() const { return options; }
 
     std::function<bool(Term&)> needInitialize = [](Term&) { return false; };
     std::function<void(Term&)> doInitialize = [](Term&) {};
@@ -204,20 +194,6 @@ TEST(Updatable, CopiesTheFrameForTheUpdateAfterInitialization) {
     EXPECT_EQ(updated, 31);
 }
 
-TEST(Updatable, LeavesTheHostsFrameAsItIs) {
-    const auto updater = MakeScripted();
-    updater->needInitialize = [](Term& term) {
-        term = {};
-        return true;
-    };
-    updater->doInitialize = [](Term& term) { term = {}; };
-    updater->doUpdate = [](Term& term) { term = {}; };
-    auto input = FramedInput<Term>(0x71);
-    const auto before = input.Bytes();
-    updater->Update(input.as<UpdateData>());
-    EXPECT_EQ(input.Bytes(), before);
-}
-
 TEST(Updatable, DoesNotTouchItsResultWhenItUpdates) {
     const auto updater = MakeScripted();
     Sum own{3, 4, 'o'};
@@ -227,15 +203,6 @@ TEST(Updatable, DoesNotTouchItsResultWhenItUpdates) {
     EXPECT_EQ(updater->log, (Log{"NeedInitialize", "DoUpdate"}));
     EXPECT_EQ(updater->Result(), &own);
     EXPECT_EQ(own.Value, 4);
-}
-
-TEST(Updatable, ThrowsForEveryFlawOfTheFramesFrame) {
-    const auto updater = MakeScripted();
-    for (const WrongFrame& frame : WrongFrames(sizeof(Term), QUARRY_INPUT_TAG)) {
-        auto input = FramedInput<Term>();
-        Apply(frame, input);
-        EXPECT_THROW(updater->Update(input.as<UpdateData>()), MarshalingException) << frame;
-    }
 }
 
 TEST(Updatable, DoesNothingWhenTheFramesFrameIsWrong) {
@@ -248,44 +215,6 @@ TEST(Updatable, DoesNothingWhenTheFramesFrameIsWrong) {
         EXPECT_TRUE(updater->log.empty()) << frame;
         EXPECT_EQ(updater->GetState(), Ready) << frame;
     }
-}
-
-TEST(Updatable, ThrowsInvalidArgumentForANullFrame) {
-    const auto updater = MakeScripted();
-    EXPECT_THROW(updater->Update(nullptr), std::invalid_argument);
-    EXPECT_TRUE(updater->log.empty());
-}
-
-/// Bytes<N> as options, frame and result at once: the result is the last frame.
-template <class Record>
-class LastFrame : public Updatable<Record, Record, Record> {
-public:
-    using Updatable<Record, Record, Record>::Updatable;
-    bool NeedInitialize(Record /*frame*/) override { return this->result == nullptr; }
-    void DoInitialize(Record /*frame*/) override { this->result = &last; }
-    void DoUpdate(Record frame) override { last = frame; }
-
-private:
-    Record last{};
-};
-
-template <std::size_t... Index>
-void ExpectRecordsOfEveryLengthToTravel(std::index_sequence<Index...> /*lengths*/) {
-    const auto travel = [](auto record) {
-        using Record = decltype(record);
-        auto options = FramedOptions<Record>();
-        LastFrame<Record> updater(options.record());
-        auto input = FramedInput<Record>(0x3C);
-        updater.Update(input.template as<UpdateData>());
-        auto result = FramedResult<Record>(0xC3);
-        updater.GetResult(result.template as<UpdateResult>());
-        EXPECT_EQ(result.Bytes(), input.Bytes()) << sizeof(Record);
-    };
-    (travel(Bytes<Index + 1>{}), ...);
-}
-
-TEST(Updatable, TakesRecordsOfEveryLengthFrom1To120) {
-    ExpectRecordsOfEveryLengthToTravel(std::make_index_sequence<120>());
 }
 
 // ---- state
@@ -423,18 +352,6 @@ TEST(Updatable, CopiesTheResultThatAssigningMade) {
     EXPECT_EQ(result->Value, 2);
 }
 
-TEST(Updatable, KeepsThePaddingOfTheHostsRecord) {
-    const auto updater = MakeScripted();
-    Sum own{};
-    updater->SetResult(&own);
-    auto result = FramedResult<Sum>(0xA7);
-    updater->GetResult(result.as<UpdateResult>());
-    const auto bytes = result.Bytes();
-    for (const std::size_t padding : {4U, 5U, 6U, 7U, 17U, 18U, 19U, 20U, 21U, 22U, 23U}) {
-        EXPECT_EQ(bytes[padding], 0xA7) << "byte " << padding;
-    }
-}
-
 TEST(Updatable, LeavesTheHostsRecordUntouchedWhenAssigningThrows) {
     const auto updater = MakeScripted();
     Sum own{1, 2, 'c'};
@@ -444,38 +361,6 @@ TEST(Updatable, LeavesTheHostsRecordUntouchedWhenAssigningThrows) {
     const auto before = result.Bytes();
     EXPECT_THROW(updater->GetResult(result.as<UpdateResult>()), std::bad_alloc);
     EXPECT_EQ(result.Bytes(), before);
-}
-
-TEST(Updatable, ThrowsForEveryFlawOfTheResultsFrame) {
-    const auto updater = MakeScripted();
-    Sum own{};
-    updater->SetResult(&own);
-    for (const WrongFrame& frame : WrongFrames(sizeof(Sum), QUARRY_RESULT_TAG)) {
-        auto result = FramedResult<Sum>();
-        Apply(frame, result);
-        EXPECT_THROW(updater->GetResult(result.as<UpdateResult>()), MarshalingException) << frame;
-    }
-}
-
-TEST(Updatable, AssignsAndWritesNothingWhenTheResultsFrameIsWrong) {
-    const auto updater = MakeScripted();
-    Sum own{};
-    updater->SetResult(&own);
-    for (const WrongFrame& frame : WrongFrames(sizeof(Sum), QUARRY_RESULT_TAG)) {
-        auto result = FramedResult<Sum>(0x67);
-        Apply(frame, result);
-        const auto before = result.Bytes();
-        EXPECT_THROW(updater->GetResult(result.as<UpdateResult>()), MarshalingException);
-        EXPECT_EQ(result.Bytes(), before) << frame;
-        EXPECT_TRUE(updater->log.empty()) << frame;
-    }
-}
-
-TEST(Updatable, ThrowsInvalidArgumentForANullResultRecord) {
-    const auto updater = MakeScripted();
-    Sum own{};
-    updater->SetResult(&own);
-    EXPECT_THROW(updater->GetResult(nullptr), std::invalid_argument);
 }
 
 // ---- hooks that an updater need not override
@@ -495,30 +380,6 @@ TEST(Updatable, UpdatesWithTheHooksThatDoNothing) {
     auto input = FramedInput<Term>();
     updater.Update(input.as<UpdateData>());
     EXPECT_EQ(updater.GetState(), 0);
-}
-
-// ---- options
-
-TEST(Updatable, KeepsItsOptionsWhenTheHostFreesThem) {
-    auto options = std::make_unique<Framed<SumOptions>>(QUARRY_OPTIONS_TAG);
-    **options = {77, -88};
-    const Scripted updater(options->record());
-    **options = {0, 0};
-    options.reset();
-    EXPECT_EQ(updater.Options().Header, 77U);
-    EXPECT_EQ(updater.Options().Start, -88);
-}
-
-TEST(Updatable, IsNotBuiltWhenTheOptionsFrameIsWrong) {
-    for (const WrongFrame& frame : WrongFrames(sizeof(SumOptions), QUARRY_OPTIONS_TAG)) {
-        auto options = FramedOptions<SumOptions>();
-        Apply(frame, options);
-        EXPECT_THROW(Scripted{options.record()}, MarshalingException) << frame;
-    }
-}
-
-TEST(Updatable, IsNotBuiltFromNullOptions) {
-    EXPECT_THROW(Scripted{nullptr}, std::invalid_argument);
 }
 
 // ---- Initializable
@@ -604,14 +465,6 @@ TEST_F(UpdatableSlots, OfTheInitializableAreTheQuestionTheInitializationAndBoth)
     EXPECT_EQ(slots, (Log{"NeedInitialize 1", "DoInitialize 2", "ReInitialize 3"}));
 }
 
-TEST_F(UpdatableSlots, OfTheDisposableAreDisposeAndDestructor) {
-    auto* const disposable = static_cast<Disposable*>(updater);
-    CallSlot<void>(disposable, 0);
-    CallSlot<void>(disposable, 2);  // slot 1 destroys, slot 2 frees as well
-    updater = nullptr;
-    EXPECT_EQ(slots, (Log{"Dispose", "destructor"}));
-}
-
 TEST_F(UpdatableSlots, OfAnInterfaceAloneDoNothing) {
     struct Idle : IUpdatable {};
     Idle idle;
@@ -682,11 +535,6 @@ TEST(UpdatableLayout, HasTheInterfaceThenTheOptionsThenTheInitializable) {
 
 TEST(UpdatableLayout, AddsAStateAndAPointerToItsBases) {
     EXPECT_EQ(sizeof(Updatable<ProcessOptions, VoLInputData, VoLOutputData>), 32U + 8U + 8U);
-}
-
-TEST(UpdatableLayout, HasNoDestructorInItsInterfaces) {
-    EXPECT_FALSE(std::has_virtual_destructor_v<IUpdatable>);
-    EXPECT_FALSE(std::has_virtual_destructor_v<Initializable<VoLInputData>>);
 }
 
 TEST(UpdatableLayout, IsAnInterfaceOptionedAndInitializable) {

@@ -30,13 +30,12 @@ ENOUGH = 0.9
 SEED = 1
 LIBRARY = "lib/libQuarry.OpenCV.so"
 FLAME_TABLE = "Quarry.OpenCV/quarry_flame_table"  # a program whose output the library is compiled with
-MEMORY = ["MemoryOfSharedRecords", "MemoryOfProcessorResults", "MemoryOfUpdaterResults"]
 # What a change that a source's own tests missed has to get past: the tests of all operations.
-SECOND_LINE = ["Drivers", "HostHeader", "HostHeaderMisuse", "HostHeaderProcessors", "HostHeaderUpdaters", *MEMORY,
-               "ReliabilityDeterminism", "ReliabilityStrongGuarantee", "ReliabilityAllocationTorture"]
+SECOND_LINE = ["Drivers", "EveryOperation", "HostHeader", "HostHeaderMisuse", "HostHeaderProcessors",
+               "HostHeaderUpdaters", "Memory", "Determinism", "StrongGuarantee", "AllocationTorture"]
 
 Mutant = collections.namedtuple("Mutant", "file line before after text")
-Program = collections.namedtuple("Program", "path arguments")
+Program = collections.namedtuple("Program", "path arguments loads")  # whether it loads the library
 
 
 class NotCounted(Exception):
@@ -60,17 +59,28 @@ def dependencies():
     return found
 
 
+def suites_of(source):
+    """The filter that picks the test suites of a source from those of its program."""
+    suites = sorted(set(re.findall(r"(?m)^(?:TYPED_)?TEST(?:_[FP])?\((\w+),", source.read_text())))
+    return "--gtest_filter=" + ":".join(f"{suite}.*:{suite}/*:*/{suite}.*:*/{suite}/*" for suite in suites)
+
+
 def programs():
-    """The tests by name, but for those of the interface, which load the library from where it was built."""
+    """The tests by the name of their source, but for those of the interface, which load the library from where it was
+    built."""
     found = {}
     targets = output_of("ninja", "-t", "targets", "all")
-    for path in re.findall(r"(?m)^((?:tests|tests/reliability|fuzz)/\w+): CXX_EXECUTABLE_LINKER", targets):
+    for path in re.findall(r"(?m)^((?:tests|fuzz)/\w+): CXX_EXECUTABLE_LINKER", targets):
         name = path.split("/")[-1]
         if name.endswith("Replay"):
             name = name.removesuffix("Replay")
-            found["Fuzz." + name] = Program(path, [str(ROOT / "fuzz/corpus" / name)])
-        elif name.endswith("Test") and not name.startswith("Interface"):
-            found[name.removesuffix("Test")] = Program(path, ["--gtest_fail_fast"])
+            found["Fuzz." + name] = Program(path, [str(ROOT / "fuzz/corpus" / name)], False)
+        elif name.endswith("_tests") and name != "quarry_interface_tests":
+            words = output_of("ninja", "-t", "query", path).split()
+            for source in re.findall(r"(?m)/(\S+Test)\.cpp\.o$", "\n".join(words)):
+                suites = suites_of(ROOT / "tests" / (source.split(".dir/")[-1] + ".cpp"))
+                found[pathlib.Path(source).stem.removesuffix("Test")] = Program(
+                    path, ["--gtest_fail_fast", suites], any(word.startswith("lib/libQuarry") for word in words))
     return found
 
 
@@ -83,7 +93,7 @@ class Tree:
 
     def __init__(self):
         self.programs = programs()
-        paths = [program.path for program in self.programs.values()]
+        paths = sorted({program.path for program in self.programs.values()})
         subprocess.run(["ninja", f"-j{JOBS}", *paths], cwd=BUILD, check=True)
         self.needs = dependencies()
         entries = json.loads((BUILD / "compile_commands.json").read_text())
@@ -106,12 +116,14 @@ class Tree:
         stem = pathlib.Path(file).stem
         users = self.users(file) | changed
         if "/Records/" in file:
-            own = MEMORY
+            own = ["Memory"]
         elif stem in self.programs:
             own = [stem]
         else:
             neighbours = {path.stem for path in (ROOT / file).parent.iterdir()}
             own = [name for name in self.tests_named_like(users) if name in neighbours]
+        if not {"Processor", "Updatable"}.isdisjoint(own):
+            own.append("Exchange")  # what the two do alike
         for made in list(users):
             users |= self.users(os.path.relpath(self.compile[made][-1], ROOT))
         # A test that has the change in itself would have to be compiled anew: it is not worth that here.
@@ -199,16 +211,22 @@ class Trial:
 
     def noticed_by(self, name, only=lambda made: True):
         program, environment = self.tree.programs[name], {}
-        if name.startswith("Reliability"):
+        if program.loads:
             path, library = BUILD / program.path, self.linked(LIBRARY)
             if library:
                 os.replace(library, library + ".1")
                 environment = {"LD_LIBRARY_PATH": str(self.folder)}
         else:
-            path = self.linked(program.path, only)
-        if not path or (name.startswith("Reliability") and not environment):
+            # Other tests of the program stay as they are, whatever they include.
+            path = self.linked(program.path, lambda made: only(made) and self.is_part_of(name, made))
+        if not path or (program.loads and not environment):
             return False
         return not passes([path, *program.arguments], self.tree.limit(name), **environment)
+
+    @staticmethod
+    def is_part_of(name, made):
+        stem, = stems_of([made])
+        return not stem.endswith("Test") or stem == name + "Test"
 
     def verdict(self):
         """The test that notices the change, or None."""

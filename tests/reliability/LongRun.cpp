@@ -24,11 +24,11 @@ namespace {
 constexpr long kMostGrowth = 1024;  // KiB
 
 /// How many times fewer rounds the slow ones make.
-const std::map<std::string, int> kShares = {{"CascadeClassifier", 200},
-                                            {"FastNlMeansDenoisingFilter", 100},
-                                            {"HogSvmHumanClassifier", 20},
-                                            {"KMeanColorExtractor", 5},
-                                            {"PixelwiseFire", 5}};
+const std::map<std::string, int> kShares = {{"CascadeDetector", 200},
+                                            {"ClothingColors", 5},
+                                            {"FastNlMeansDenoising", 100},
+                                            {"FirePixels", 5},
+                                            {"PeopleDetector", 20}};
 
 long EntriesOf(const char* folder) {
     return std::distance(std::filesystem::directory_iterator(folder), {});

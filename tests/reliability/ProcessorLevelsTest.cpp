@@ -24,7 +24,7 @@ std::vector<std::string> ResultsWithout(const std::string& instructions) {
 }
 
 TEST(ProcessorLevels, ChangeNothingButMotionAndTheWeightsOfPeople) {
-    const std::set<std::string> changing = {"DenseOpticalFlowCalculator", "HogSvmHumanClassifier"};
+    const std::set<std::string> changing = {"DenseOpticalFlow", "PeopleDetector"};
     const std::vector<std::string> expected = ResultsWithout("");
     ASSERT_EQ(expected.size(), 2 * OperationNames().size());
     for (const char* const instructions : {"AVX512-SKX", "AVX2", "SSE4.1,SSE4.2,AVX,FP16,FMA3,AVX2,AVX512-SKX"}) {

@@ -93,6 +93,26 @@ SampleInputs::SampleInputs(FrameSize frames)
     }
 }
 
+std::vector<uint8_t> SampleInputs::Bytes() const {
+    std::vector<uint8_t> bytes;
+    const auto add = [&](const void* from, std::size_t count) {
+        const auto* const begin = static_cast<const uint8_t*>(from);
+        bytes.insert(bytes.end(), begin, begin + count);
+    };
+    for (const cv::Mat* const frame :
+         {&first, &second, &people, &face, &noise, &fire, &blobs, &mask, &displacements, &turns[0], &turns[1]}) {
+        add(frame->data, frame->total() * frame->elemSize());
+    }
+    for (const auto* const points : {&body, &polygon, &contour, &corners, &movedCorners}) {
+        add(points->data(), points->size() * sizeof(FloatPoint));
+    }
+    for (const auto* const embedding : {&firstEmbedding, &secondEmbedding}) {
+        add(embedding->data(), embedding->size() * sizeof(float));
+    }
+    add(&flow, sizeof(flow));
+    return bytes;
+}
+
 const SampleInputs& Samples(FrameSize frames) {
     static const SampleInputs small(FrameSize::Small);
     if (frames == FrameSize::Small) return small;

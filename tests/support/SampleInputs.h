@@ -18,6 +18,11 @@ enum class FrameSize { Small, Large };
 struct SampleInputs {
     explicit SampleInputs(FrameSize frames);
 
+    /// A number of pixels of the small frame in one of these.
+    int16_t Scaled(int pixels) const { return static_cast<int16_t>(pixels * scale); }
+    /// Every byte of them, to see that nobody wrote into one.
+    std::vector<uint8_t> Bytes() const;
+
     int scale;       ///< of a frame, 64 x 48 when it is 1
     cv::Mat first;   ///< a square on a textured ground
     cv::Mat second;  ///< the square further right

@@ -82,6 +82,12 @@ cv::Mat BlackFrame(int width, int height) {
     return cv::Mat::zeros(height, width, CV_8UC3);
 }
 
+cv::Mat FrameWith(const cv::Size& size, const cv::Rect& object, const cv::Scalar& color) {
+    cv::Mat frame = BlackFrame(size.width, size.height);
+    frame(object).setTo(color);
+    return frame;
+}
+
 cv::Mat RandomScene(const cv::Size& size, uint64_t seed) {
     cv::RNG random(seed + 1);  // a generator seeded with 0 gives 0 for ever
     cv::Mat frame = BlackFrame(size.width, size.height);

@@ -34,6 +34,9 @@ cv::Mat FireScene(int width, int height);
 
 cv::Mat BlackFrame(int width, int height);
 
+/// A black frame with one rectangle.
+cv::Mat FrameWith(const cv::Size& size, const cv::Rect& object, const cv::Scalar& color = cv::Scalar::all(255));
+
 /// Blobs, rings, lines and single pixels in random colours, some of them nearly black, on black.
 cv::Mat RandomScene(const cv::Size& size, uint64_t seed);
 

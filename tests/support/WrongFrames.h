@@ -39,7 +39,7 @@ inline std::vector<WrongFrame> WrongFrames(int32_t length, uint32_t tag) {
 
 /// Puts a flawed frame around a record, as Framed lays it out.
 template <class FramedRecord>
-void Apply(const WrongFrame& frame, FramedRecord& record) {
+void Apply(const WrongFrame& frame, FramedRecord&& record) {
     record.SetLength(frame.length);
     record.SetTag(frame.tag);
 }

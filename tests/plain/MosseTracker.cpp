@@ -1,4 +1,4 @@
-#include "support/PlainMosseTracker.h"
+#include "plain/MosseTracker.h"
 
 #include <array>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
-namespace quarry::test {
+namespace quarry::plain {
 
 namespace {
 
@@ -25,7 +25,7 @@ cv::Mat SumOfProducts(const cv::Mat& a, const cv::Mat& b, const cv::Mat& c, cons
 
 }  // namespace
 
-PlainMosseTracker::PlainMosseTracker(uint32_t mode, const cv::Mat& frame, const PixelRect& rect)
+MosseTracker::MosseTracker(uint32_t mode, const cv::Mat& frame, const PixelRect& rect)
     : rate(mode == 0 ? 0.2 : 0.3), threshold(mode == 0 ? 5.7 : 3.0) {
     width = cv::getOptimalDFTSize(rect.Width);
     height = cv::getOptimalDFTSize(rect.Height);
@@ -62,12 +62,12 @@ PlainMosseTracker::PlainMosseTracker(uint32_t mode, const cv::Mat& frame, const 
     filter = Divide(upper, lower);
 }
 
-PixelRect PlainMosseTracker::Rect() const {
+PixelRect MosseTracker::Rect() const {
     return {Low16(static_cast<int>(centerX - width * 0.5)), Low16(static_cast<int>(centerY - height * 0.5)),
             Low16(width), Low16(height)};
 }
 
-cv::Mat PlainMosseTracker::Divide(const cv::Mat& numerator, const cv::Mat& denominator) {
+cv::Mat MosseTracker::Divide(const cv::Mat& numerator, const cv::Mat& denominator) {
     std::vector<cv::Mat> a;
     std::vector<cv::Mat> b;
     cv::split(numerator, a);
@@ -82,7 +82,7 @@ cv::Mat PlainMosseTracker::Divide(const cv::Mat& numerator, const cv::Mat& denom
     return merged;
 }
 
-cv::Mat PlainMosseTracker::Warped(const cv::Mat& window) {
+cv::Mat MosseTracker::Warped(const cv::Mat& window) {
     const std::array<uint32_t, 4> bits = {0x3F7DA680, 0xBDE450EB, 0xBD415D34, 0x3F774C7A};
     std::array<float, 4> linear = {};
     std::memcpy(linear.data(), bits.data(), sizeof(linear));
@@ -102,7 +102,7 @@ cv::Mat PlainMosseTracker::Warped(const cv::Mat& window) {
     return warped;
 }
 
-bool PlainMosseTracker::Track(const cv::Mat& frame) {
+bool MosseTracker::Track(const cv::Mat& frame) {
     cv::Mat patch = Crop(frame);
     Prepare(patch);
     cv::Mat spectrum;
@@ -134,14 +134,14 @@ bool PlainMosseTracker::Track(const cv::Mat& frame) {
     return true;
 }
 
-cv::Mat PlainMosseTracker::Crop(const cv::Mat& frame) const {
+cv::Mat MosseTracker::Crop(const cv::Mat& frame) const {
     cv::Mat crop;
     cv::getRectSubPix(frame, {width, height}, {static_cast<float>(centerX), static_cast<float>(centerY)}, crop, -1);
     cv::cvtColor(crop, crop, cv::COLOR_BGR2GRAY);
     return crop;
 }
 
-void PlainMosseTracker::Prepare(cv::Mat& window) const {
+void MosseTracker::Prepare(cv::Mat& window) const {
     window.convertTo(window, CV_32F);
     cv::add(window, cv::Scalar(1.0), window);
     cv::log(window, window);
@@ -153,8 +153,8 @@ void PlainMosseTracker::Prepare(cv::Mat& window) const {
     cv::multiply(window, taper, window);
 }
 
-void PlainMosseTracker::Blend(const cv::Mat& fresh, cv::Mat& kept) const {
+void MosseTracker::Blend(const cv::Mat& fresh, cv::Mat& kept) const {
     kept = fresh * rate + kept * (1 - rate);
 }
 
-}  // namespace quarry::test
+}  // namespace quarry::plain

@@ -4,14 +4,14 @@
 
 #include "Quarry/SharedRecords.h"
 
-namespace quarry::test {
+namespace quarry::plain {
 
 /// The correlation tracker in plain steps, each a call of OpenCV into a matrix of its own; all of the training samples
 /// are warped, transformed and added.
-class PlainMosseTracker {
+class MosseTracker {
 public:
     /// Trains on the target's rectangle in a frame.
-    PlainMosseTracker(uint32_t mode, const cv::Mat& frame, const PixelRect& rect);
+    MosseTracker(uint32_t mode, const cv::Mat& frame, const PixelRect& rect);
 
     /// Searches a frame, the one that trained it included.
     void Update(const cv::Mat& frame) { found = Track(frame); }
@@ -42,4 +42,4 @@ private:
     cv::Mat lower;
 };
 
-}  // namespace quarry::test
+}  // namespace quarry::plain

@@ -6,25 +6,28 @@
 #include <cmath>
 #include <cstddef>
 
-namespace quarry::test {
+namespace quarry::plain {
 
 /// A colour as CIE L*a*b*.
 struct Color {
     double L, a, b;
 };
 
-/// The light of every byte, 0..100.
-inline const std::array<double, 256>& Lights() {
+/// The light of a byte, 0..100.
+inline double Light(int byte) {
+    const double part = static_cast<double>(byte) / 255;
+    const double light = part > 0.04045 ? std::pow((part + 0.055) / 1.055, 2.4) : part / 12.92;
+    return light * 100;
+}
+
+/// The same for many colours: every light is computed once.
+inline double TabledLight(int byte) {
     static const std::array<double, 256> lights = [] {
         std::array<double, 256> values{};
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            const double part = static_cast<double>(i) / 255;
-            const double light = part > 0.04045 ? std::pow((part + 0.055) / 1.055, 2.4) : part / 12.92;
-            values[i] = light * 100;
-        }
+        for (int i = 0; i < 256; ++i) values[static_cast<std::size_t>(i)] = Light(i);
         return values;
     }();
-    return lights;
+    return lights[static_cast<std::size_t>(byte)];
 }
 
 inline double PlainRoot(double t) {
@@ -32,10 +35,11 @@ inline double PlainRoot(double t) {
     return 7.787 * t + 16.0 / 116.0;
 }
 
-inline Color PlainLab(int red, int green, int blue) {
-    const double r = Lights()[static_cast<std::size_t>(red)];
-    const double g = Lights()[static_cast<std::size_t>(green)];
-    const double b = Lights()[static_cast<std::size_t>(blue)];
+/// @param light  of a byte: `Light` or `TabledLight`
+inline Color PlainLab(int red, int green, int blue, double (*light)(int) = TabledLight) {
+    const double r = light(red);
+    const double g = light(green);
+    const double b = light(blue);
     const double fx = PlainRoot((0.4124 * r + 0.3576 * g + 0.1805 * b) / 95.047);
     const double fy = PlainRoot((0.2126 * r + 0.7152 * g + 0.0722 * b) / 100);
     const double fz = PlainRoot((0.0193 * r + 0.1192 * g + 0.9505 * b) / 108.883);
@@ -57,4 +61,4 @@ inline bool PlainIsFlame(const Color& color) {
     return b > yellow && L > -0.95 * b + 92;
 }
 
-}  // namespace quarry::test
+}  // namespace quarry::plain
