@@ -10,7 +10,7 @@ namespace quarry::command {
 struct ArchivedVideo {
     std::string name;              ///< the name in the manifest
     std::filesystem::path path;    ///< absolute
-    std::filesystem::path output;  ///< of the file for its lines, relative to the folder of all of them
+    std::filesystem::path output;  ///< the file for its lines, relative to the folder of all outputs
 };
 
 /// Lists the videos of an archive, in the byte order of their names.

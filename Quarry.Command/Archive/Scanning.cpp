@@ -24,7 +24,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Calls a function whose errors are all the video's fault, and turns them into BadVideo.
+/// Calls a function and turns its errors, which are all the fault of the video, into BadVideo.
 template <typename Step>
 auto OfTheVideo(Step step) try {
     return step();

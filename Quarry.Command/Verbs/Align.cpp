@@ -33,7 +33,7 @@ constexpr PointLimits kLimits = {std::numeric_limits<int16_t>::min(), std::numer
 struct Options {
     PictureTransformOptions files;
     std::string points;
-    std::optional<cv::Size> size;  ///< none: that of the picture
+    std::optional<cv::Size> size;  ///< nothing for the size of the picture
 };
 
 std::vector<FloatPoint> LandmarksIn(const nlohmann::json& object, const std::string& key, const std::string& path) {

@@ -42,7 +42,7 @@ constexpr PointLimits kLimits = {-1, 2, kBodyPoints};
 struct Options {
     std::string picture;
     std::string points;
-    std::string out;  ///< empty: not wanted
+    std::string out;  ///< empty when no picture is wanted
     bool json = false;
 };
 

@@ -31,7 +31,7 @@ Example:
 struct Options {
     std::string first;
     std::string second;
-    std::string difference;  ///< empty: not wanted
+    std::string difference;  ///< empty when no picture is wanted
     bool json = false;
 };
 

@@ -56,8 +56,8 @@ private:
     FirePixels find;
     cv::Mat last;
     cv::Mat region;
-    double share = 0;  ///< 0..1 of the picture's pixels
-    cv::Rect bounds;   ///< of the region; empty when there is none
+    double share = 0;  ///< of the picture's pixels, from 0 to 1
+    cv::Rect bounds;   ///< around the region; empty when there is none
     double milliseconds = 0;
 };
 

@@ -1,6 +1,5 @@
 /// @file
-/// Points and numbers in JSON files. What is wrong with a file is said with its name, the place in it and what is
-/// allowed.
+/// Reads points and numbers from JSON files. Errors name the file, the place in it and what is allowed.
 #pragma once
 
 #include <Quarry/Quarry.h>

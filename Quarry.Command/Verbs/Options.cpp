@@ -21,12 +21,15 @@ namespace {
 constexpr int kLowest = std::numeric_limits<int16_t>::min();
 constexpr int kHighest = std::numeric_limits<int16_t>::max();
 
-/// @return nothing when they are not as many as wanted, or one of them is out of range
+/// Reads numbers from `low` to `high`.
+/// @return nothing when the text is anything else
 template <typename Number, std::size_t kCount>
 std::optional<std::array<Number, kCount>> NumbersWithin(Number low, Number high, const std::string& text,
                                                         char separator) {
     const auto numbers = ReadNumbers<Number, kCount>(text, separator);
-    const auto isWithin = [&](Number number) { return low <= number && number <= high; };  // not of one that is none
+    const auto isWithin = [&](Number number) {
+        return low <= number && number <= high;
+    };  // false for what is not a number
     return numbers && std::all_of(numbers->begin(), numbers->end(), isWithin) ? numbers : std::nullopt;
 }
 

@@ -88,7 +88,7 @@ nlohmann::ordered_json ValueOf(const std::string& text) {
     const nlohmann::ordered_json value = nlohmann::ordered_json::parse(written, nullptr, false);
     if (!value.is_number()) return text;
     const auto number = value.get<double>();
-    constexpr double kMost = 1e15;  // up to which all whole numbers are exact
+    constexpr double kMost = 1e15;  // all whole numbers up to here are exact
     const bool isWhole = std::abs(number) < kMost && std::trunc(number) == number;
     return isWhole ? nlohmann::ordered_json(static_cast<int64_t>(number)) : value;
 }

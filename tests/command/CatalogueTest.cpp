@@ -261,7 +261,7 @@ TEST_F(Catalogue, TextAndMarkdownTellWhatJsonTells) {
 TEST_F(Catalogue, UnknownOperationsAreWrongUsageThatHelps) {
     ExpectOneLineError({"describe", "mose-traker"}, 2, "mose-traker; did you mean mosse-tracker?");
     ExpectOneLineError({"describe", "sharpness"}, 2, "variance-of-laplacian or face-variance-of-laplacian?");
-    ExpectOneLineError({"describe", "contour-gridd"}, 2, "did you mean contour-grid?");
+    ExpectOneLineError({"describe", "contuor-grit"}, 2, "did you mean contour-grid?");
     ExpectOneLineError({"describe", "clothing-colours"}, 2, "did you mean clothing-colors?");
     ExpectOneLineError({"describe", "track"}, 2, "mosse-tracker?");
     ExpectOneLineError({"describe", "paint-by-numbers"}, 2, "quarry list");
