@@ -206,9 +206,9 @@ TEST_F(ContourClusters, AreMeasuredByFramesOfMorePixelsThan31BitsCount) {
     frame(cv::Rect(100, 100, 11, 11)).setTo(kWhite);
     frame(cv::Rect(200, 100, 2, 2)).setTo(kWhite);
     Create(1.0F, 2e-8F);  // 42 pixels
-    const std::vector<Blob> blobs = Find(huge.record());
-    ASSERT_EQ(blobs.size(), 1U);
-    EXPECT_EQ(blobs[0].area, static_cast<float>(100 / HugeFrame::kPixels));
+    auto clusters = Call({0, huge.record()});
+    ASSERT_EQ(clusters->Count, 1);
+    EXPECT_EQ(clusters->Clusters[0].Contour->Area, static_cast<float>(100 / HugeFrame::kPixels));
 }
 
 TEST_F(ContourClusters, KeepEveryBlobWhenTheSmallestAreaIsBelowZeroOrNoInteger) {

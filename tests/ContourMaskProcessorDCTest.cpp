@@ -36,14 +36,15 @@ protected:
 
     void Create(float fillRate, float areaRate) { ProcessorTest::Create({0, fillRate, areaRate}); }
 
-    Cells Grid(const cv::Mat& frame, const cv::Size& grid) {
-        auto result = Call({0, ImageOf(frame), grid.width, grid.height});
+    Cells Grid(const Image& frame, const cv::Size& grid) {
+        auto result = Call({0, frame, grid.width, grid.height});
         EXPECT_EQ(result->Mask->width, grid.width);
         EXPECT_EQ(result->Mask->height, grid.height);
         Cells cells(result->Mask->data, result->Mask->data + grid.area());
         DestroyContourMaskProcessorResult(result.operator->());
         return cells;
     }
+    Cells Grid(const cv::Mat& frame, const cv::Size& grid) { return Grid(ImageOf(frame), grid); }
 
     template <class Exception>
     void ExpectRefusal(const Image& image, const cv::Size& grid, const std::string& message = {}) {
@@ -155,9 +156,9 @@ TEST_F(ContourMask, TakesTheShareOfACellOfMorePixelsThan31BitsCount) {
     if (!huge.IsThere()) GTEST_SKIP() << "no addresses for " << HugeFrame::kPixels << " pixels";
     cv::Mat frame = huge.pixels();
     Create(2e-8F, 0.0F);  // 42 pixels
-    frame(cv::Rect(100, 100, 3, 3)).setTo(kWhite);
+    frame(cv::Rect(100, 100, 3, 3)).setTo(cv::Scalar::all(255));
     EXPECT_EQ(Grid(huge.record(), {1, 1}), Cells{0});
-    frame(cv::Rect(100, 100, 20, 20)).setTo(kWhite);
+    frame(cv::Rect(100, 100, 20, 20)).setTo(cv::Scalar::all(255));
     EXPECT_EQ(Grid(huge.record(), {1, 1}), Cells{1});
 }
 

@@ -283,7 +283,8 @@ TEST_P(EveryVerb, OverAVideoWritesATableWithASummaryAndCommaSeparatedValues) {
     using OrderedJson = nlohmann::ordered_json;
     std::string head;
     const std::string line = Lines(Run(ArgumentsOf(call) + Arguments{"--json"}).out)[1];
-    for (const auto& [name, value] : OrderedJson::parse(line).items()) head += (head.empty() ? "" : ",") + name;
+    const OrderedJson object = OrderedJson::parse(line);
+    for (const auto& [name, value] : object.items()) head += (head.empty() ? "" : ",") + name;
     EXPECT_EQ(values[0], head);
     EXPECT_EQ(values[2].rfind("1,2000000,", 0), 0U) << values[2];
 }
