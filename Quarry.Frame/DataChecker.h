@@ -18,8 +18,8 @@ public:
 
 namespace quarry {
 
-/// Checks the envelope of a record of type T before the record is read: the range of the length word, the length itself,
-/// then the tag. Each failure throws the same exception.
+/// Checks the envelope of a record of type T before the record is read: the range of the length word, the length
+/// itself, then the tag. Each failure throws the same exception.
 /// @param role  "options", "input" or "result", for the message about a null pointer
 /// @throws std::invalid_argument  `record` is null
 /// @throws MarshalingException    the envelope is wrong

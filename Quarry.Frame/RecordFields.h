@@ -7,8 +7,8 @@
 
 namespace quarry {
 
-/// The fields of a result record that the library writes. All other bytes (padding, fields that are not listed) keep what
-/// the host had there.
+/// The fields of a result record that the library writes. All other bytes (padding, fields that are not listed) keep
+/// what the host had there.
 template <class Result>
 struct RecordFields;
 

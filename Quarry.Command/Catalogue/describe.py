@@ -1,4 +1,6 @@
-"""Takes what the public headers say of operations and records into the catalogue: describe.py HEADERS > Descriptions.inc
+"""Takes what the public headers say of operations and records into the catalogue.
+
+Usage: describe.py HEADERS > Descriptions.inc
 
 A record's meaning is the comment above it, a field's the comment above or behind it. An operation's summary, method and
 errors are those of its factory's comment in Quarry.h. So nothing is said twice, and a field without a comment fails the
@@ -59,7 +61,7 @@ def factories(header: str):
             errors = [(part[7:].split("  ", 1)) for part in lines if part.startswith("@throws ")]
             errors = [(error.strip(), when.strip()) for error, when in errors]
             aborts = "Aborts the process when "
-            errors[:0] = [("abort", part[len(aborts):].rstrip(".")) for part in lines if part.startswith(aborts)]
+            errors[:0] = [("abort", part[len(aborts) :].rstrip(".")) for part in lines if part.startswith(aborts)]
             yield factory[1], summary, method, errors
         else:
             comment = []
@@ -79,7 +81,8 @@ def main(folder: Path) -> None:
                 print(f",\n        QUARRY_FIELD({name}, {field}, {quoted(text)})", end="")
             print(");\n    return kRecord;\n}\n")
     for factory, summary, method, errors in factories(interface):
-        print(f"static OperationText TextOf{factory}() {{\n    return {{{quoted(summary)}, {quoted(method)}, {{", end="")
+        print(f"static OperationText TextOf{factory}() {{")
+        print(f"    return {{{quoted(summary)}, {quoted(method)}, {{", end="")
         print(", ".join(f"{{{quoted(error)}, {quoted(when)}}}" for error, when in errors), end="}};\n}\n\n")
 
 

@@ -9,8 +9,8 @@
 /// record is stopped with a MarshalingException instead of corrupting memory. All numbers are little-endian.
 ///
 /// Options and input records begin with a 32-bit `Header` that is the host's to use: the library never reads it.
-/// Most result records begin with a 32-bit `Status`, which the library sets to 0 whenever it fills the record. The others
-/// begin with eight bytes that the library does not write.
+/// Most result records begin with a 32-bit `Status`, which the library sets to 0 whenever it fills the record. The
+/// others begin with eight bytes that the library does not write.
 #pragma once
 
 #include <assert.h>

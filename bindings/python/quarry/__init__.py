@@ -8,9 +8,9 @@ Calls release the interpreter's lock: threads that have an object each run side 
 turns. Sub-interpreters are refused.
 """
 
-from quarry._quarry import *
-from quarry._quarry import __version__ as __version__
-from quarry._types import *
+from quarry._quarry import *  # noqa: F401, F403: the package has what its modules have
+from quarry._quarry import __version__ as __version__  # noqa: F401
+from quarry._types import *  # noqa: F401, F403
 
 # Tracebacks and messages name the types as users do: quarry.OpenCVError, not quarry._types.OpenCVError.
 for _value in list(vars().values()):

@@ -9,7 +9,6 @@ import re
 import cv2
 import numpy as np
 import pytest
-import quarry
 from conftest import MEDIA
 from demo import demo, write_clip, write_picture
 from quarry import _quarry

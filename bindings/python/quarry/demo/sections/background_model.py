@@ -44,13 +44,13 @@ def section(footage: Footage) -> Section:
     page.heading("How much of the frame is foreground")
     page.plot(share)
     page.text("Letters mark the instants shown below. The background takes most of a change over in 10 s, and four "
-                 "times faster while it is being learnt.")
+              "times faster while it is being learnt.")
     for letter, (seconds, state, percent, frame, mask, background) in zip("ABCD", instants):
         share.marks.append((seconds, letter))
         known = "learnt" if state is quarry.State.READY else "learning"
         page.heading(f"{seconds:.1f} s", f"{known} · foreground {percent:.2f} %", letter)
         page.figures("three", [Figure(frame, "frame"), Figure(mask, "foreground mask"),
-                                  Figure(background, "background")])
+                     Figure(background, "background")])
     return page
 
 

@@ -40,7 +40,7 @@ def section(footage: Footage) -> Section:
         speed = np.hypot(field[..., 0], field[..., 1])
         picture = motion(field, FULL_MOTION)
         page.heading(f"{clip.seconds(index):.1f} s",
-                        f"{speed.mean():.2f} pixels per frame in the mean, {speed.max():.1f} at most")
+                     f"{speed.mean():.2f} pixels per frame in the mean, {speed.max():.1f} at most")
         page.figures("two", [Figure(frame, "frame"), Figure(picture, "motion")])
         if page.picture is None:
             page.picture = picture

@@ -46,6 +46,6 @@ def section(footage: Footage) -> Section:
     page.heading("Where the target is")
     page.plot(middle)
     page.text("Letters mark the instants shown below. The rectangle is green where the target was found and red where "
-                 "it was lost. y grows downwards, as rows do.")
+              "it was lost. y grows downwards, as rows do.")
     page.figures("three", shots.figures)
     return page
