@@ -12,10 +12,13 @@ namespace quarry {
 
 namespace detail {
 
-#define QUARRY_IS_OPTIONS(Name, Factory, Options, ...) std::is_same_v<Record, Options> ||
+template <class Record, class... Records>
+inline constexpr bool kIsAnyOf = (std::is_same_v<Record, Records> || ...);
+
+#define QUARRY_AND_OPTIONS(Name, Factory, Options, ...) , Options
 template <class Record>
-inline constexpr bool kIsOptions = QUARRY_OPERATIONS(QUARRY_IS_OPTIONS) false;
-#undef QUARRY_IS_OPTIONS
+inline constexpr bool kIsOptions = kIsAnyOf<Record QUARRY_OPERATIONS(QUARRY_AND_OPTIONS)>;
+#undef QUARRY_AND_OPTIONS
 
 /// Options and input records begin with a `Header`, result records do not.
 template <class Record, class = void>
