@@ -10,7 +10,6 @@
 #include <csignal>
 #include <cstddef>
 #include <cstring>
-#include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
@@ -137,16 +136,6 @@ void OutputFile::Keep() {
     // only errors of the disk count.
     const int reason = Sync(name.parent_path().empty() ? "." : name.parent_path());
     if (reason == EIO || reason == ENOSPC || reason == EDQUOT) Refuse(name, reason);
-}
-
-TextFile::TextFile(const std::filesystem::path& path_) : path(path_), file(path_) {}
-
-void TextFile::Write(const std::string& text) {
-    std::ofstream stream(file.temporary(), std::ios::binary);
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    stream.close();
-    if (!stream) throw Failure(path.string() + ": cannot be written in full");
-    file.Keep();
 }
 
 bool IsTemporary(const std::filesystem::path& path) {

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <string>
 
 namespace quarry::command {
 
@@ -33,20 +32,5 @@ private:
 
 /// Whether a file has the temporary name of an OutputFile. Such files stay behind when the command is killed.
 bool IsTemporary(const std::filesystem::path& path);
-
-/// A text file that appears under its name when it is complete.
-class TextFile {
-public:
-    /// @throws Failure  nothing can be written there
-    explicit TextFile(const std::filesystem::path& path);
-
-    /// Writes the whole text. Call it once.
-    /// @throws Failure  it cannot be written
-    void Write(const std::string& text);
-
-private:
-    std::filesystem::path path;
-    OutputFile file;
-};
 
 }  // namespace quarry::command
